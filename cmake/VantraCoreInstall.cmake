@@ -1,0 +1,20 @@
+include(CMakePackageConfigHelpers)
+
+install(TARGETS VantraCore EXPORT VantraCoreTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/VantraCore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(VANTRACORE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/VantraCore)
+install(EXPORT VantraCoreTargets NAMESPACE VantraCore:: DESTINATION ${VANTRACORE_CMAKE_DIR})
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/VantraCoreConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/VantraCoreConfig.cmake INSTALL_DESTINATION ${VANTRACORE_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VantraCoreConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/VantraCoreConfig.cmake ${PROJECT_BINARY_DIR}/VantraCoreConfigVersion.cmake
+  DESTINATION ${VANTRACORE_CMAKE_DIR})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/VantraCore-0.pc.in ${PROJECT_BINARY_DIR}/VantraCore-0.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/VantraCore-0.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

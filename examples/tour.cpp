@@ -1,0 +1,3 @@
+#include <VantraCore/VantraCore.h>
+#include <cstdio>
+int main() { std::puts("tour"); }

@@ -1,0 +1,6 @@
+#pragma once
+
+// Everything public of VantraCore in one include.
+#include <VantraCore/Export.h>
+#include <VantraCore/ExceptionTransport.h>
+#include <VantraCore/Optional.h>

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <VantraCore/ExceptionTransport.h>
+
+#include <cstring>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <type_traits>
+
+namespace Tarvex::VantraCore::Internal {
+
+namespace detail {
+template <class Result>
+Result failTransport(TransportRecord *record, char const *name, char const *what) noexcept {
+  record->exceptionName = name;
+  std::strncat(record->message, what, sizeof(record->message) - 1);
+  if constexpr (!std::is_void_v<Result>) return Result{};
+}
+}  // namespace detail
+
+// The one place where exported C functions catch: each function hands its body (a lambda over its
+// own arguments) to this guard, so no exception crosses the C boundary and the handlers cannot
+// drift apart. Failures yield the zero value of the result.
+template <class Body>
+auto guardTransport(TransportRecord *record, Body &&body) noexcept -> decltype(body()) {
+  using Result = decltype(body());
+  record->exceptionName = nullptr;
+  record->message[0] = '\0';
+  try {
+    return body();
+  } catch (std::bad_alloc const &e) {
+    return detail::failTransport<Result>(record, "bad_alloc", e.what());
+  } catch (std::out_of_range const &e) {
+    return detail::failTransport<Result>(record, "out_of_range", e.what());
+  } catch (std::invalid_argument const &e) {
+    return detail::failTransport<Result>(record, "invalid_argument", e.what());
+  } catch (std::length_error const &e) {
+    return detail::failTransport<Result>(record, "length_error", e.what());
+  } catch (std::runtime_error const &e) {
+    return detail::failTransport<Result>(record, "runtime_error", e.what());
+  } catch (std::exception const &e) {
+    return detail::failTransport<Result>(record, "exception", e.what());
+  } catch (...) {
+    return detail::failTransport<Result>(record, "exception", "unknown exception");
+  }
+}
+
+}  // namespace Tarvex::VantraCore::Internal
