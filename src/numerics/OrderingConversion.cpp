@@ -20,6 +20,8 @@ using WordOf = std::conditional_t<
     std::conditional_t<Size == 2, Word<std::uint16_t>,
                        std::conditional_t<Size == 4, Word<std::uint32_t>, Word<std::uint64_t, Size / 8>>>>;
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the word transposes number bytes from the low end");
+
 // Swaps units of `Unit` bytes between the rows of a square held in words, `Unit / Size` rows apart.
 template <std::size_t Size, std::size_t Unit>
 void swapUnits(std::uint64_t (&rows)[8 / Size]) {
@@ -50,16 +52,16 @@ void transposeInWords(unsigned char const *a, std::uint64_t lda, unsigned char *
 }
 
 // A tile of the narrow kinds as squares of words.
-template <typename Word>
-void transposeTileInWords(Word const *a, std::uint64_t lda, Word *b, std::uint64_t ldb) {
-  constexpr std::uint64_t tile = OrderingConversionImpl::Tiling<Word>::tile;
-  constexpr std::uint64_t side = 8 / sizeof(Word);
+template <typename Narrow>
+void transposeTileInWords(Narrow const *a, std::uint64_t lda, Narrow *b, std::uint64_t ldb) {
+  constexpr std::uint64_t tile = OrderingConversionImpl::Tiling<Narrow>::tile;
+  constexpr std::uint64_t side = 8 / sizeof(Narrow);
   static_assert(tile % side == 0, "a tile is made of whole squares");
   for (std::uint64_t r = 0; r < tile; r += side) {
     for (std::uint64_t c = 0; c < tile; c += side) {
-      transposeInWords<sizeof(Word)>(reinterpret_cast<unsigned char const *>(a + r * lda + c),
-                                     lda * sizeof(Word), reinterpret_cast<unsigned char *>(b + c * ldb + r),
-                                     ldb * sizeof(Word));
+      transposeInWords<sizeof(Narrow)>(
+          reinterpret_cast<unsigned char const *>(a + r * lda + c), lda * sizeof(Narrow),
+          reinterpret_cast<unsigned char *>(b + c * ldb + r), ldb * sizeof(Narrow));
     }
   }
 }
