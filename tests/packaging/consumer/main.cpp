@@ -1,4 +1,8 @@
 #include <VantraCore/VantraCore.h>
-#include <cstdio>
-namespace Tarvex::VantraCore { int skeletonProbe(); }
-int main() { std::printf("consumer ok %d\n", Tarvex::VantraCore::skeletonProbe()); }
+
+#include <iostream>
+
+int main() {
+  Tarvex::VantraCore::VxStringView const text("consumer ok");
+  std::cout << text << " " << text.find("ok") << "\n";
+}
