@@ -4,4 +4,5 @@
 #include <VantraCore/Export.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>

@@ -3,6 +3,7 @@
 #include <iostream>
 
 int main() {
-  Tarvex::VantraCore::VxStringView const text("consumer ok");
-  std::cout << text << " " << text.find("ok") << "\n";
+  using Tarvex::VantraCore::VxString;
+  VxString const text = VxString("consumer") + " ok";
+  std::cout << text << " (" << text.length() << " bytes)\n";
 }
