@@ -1,7 +1,10 @@
 #pragma once
 
 // Everything public of VantraCore in one include.
-#include <VantraCore/Export.h>
 #include <VantraCore/ExceptionTransport.h>
+#include <VantraCore/Export.h>
+#include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
 #include <VantraCore/WellKnownType.h>
