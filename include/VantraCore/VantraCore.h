@@ -4,3 +4,4 @@
 #include <VantraCore/Export.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/Int128.h>
