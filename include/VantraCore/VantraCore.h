@@ -5,3 +5,5 @@
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Int128.h>
+#include <VantraCore/Complex.h>
+#include <VantraCore/Time.h>
