@@ -1,6 +1,9 @@
 #include <VantraCore/WellKnownType.h>
 
+#include <VantraCore/ElementKinds.h>
+
 #include <cstddef>
+#include <cstring>
 
 namespace Tarvex::VantraCore {
 
@@ -75,7 +78,55 @@ constexpr WellKnownTypeValue commonType(WellKnownTypeValue a, WellKnownTypeValue
   return result;
 }
 
+struct NamedCode {
+  char const *text;
+  std::size_t length;
+  WellKnownTypeValue code;
+};
+
+template <std::size_t N>
+constexpr NamedCode named(char const (&text)[N], WellKnownTypeValue code) {
+  return {text, N - 1, code};
+}
+
+constexpr auto elementKindNames = Internal::makeElementKindTable([](auto tag) {
+  using Kind = Internal::ElementKind<typename decltype(tag)::type>;
+  return named(Kind::name, Kind::code);
+});
+// customType is no element kind but has a name; "string8" is a second name of string.
+constexpr NamedCode customTypeName = named("customType", WellKnownTypeValue::typeCustom);
+constexpr NamedCode string8Name = named("string8", WellKnownTypeValue::typeString);
+constexpr NamedCode unknownName = named("unknown", WellKnownTypeValue::typeNone);
+
+VxStringView view(NamedCode const &named) {
+  return VxStringView(named.text, named.length);
+}
+
+bool matches(NamedCode const &named, VxStringView text) {
+  return text.size() == named.length && std::memcmp(text.data(), named.text, named.length) == 0;
+}
+
 }  // namespace
+
+VxStringView WellKnownType::toString() const {
+  if (m_value == WellKnownTypeValue::typeCustom) return view(customTypeName);
+  return Internal::findElementKind(
+      *this,
+      [](auto tag) {
+        using Kind = Internal::ElementKind<typename decltype(tag)::type>;
+        return view(named(Kind::name, Kind::code));
+      },
+      [] { return view(unknownName); });
+}
+
+Internal::WellKnownTypeValue WellKnownType::parseValueString(VxStringView text) {
+  for (NamedCode const &named : elementKindNames) {
+    if (matches(named, text)) return named.code;
+  }
+  if (matches(customTypeName, text)) return customTypeName.code;
+  if (matches(string8Name, text)) return string8Name.code;
+  return WellKnownTypeValue::typeNone;
+}
 
 WellKnownType WellKnownType::getCommonWellKnownType(WellKnownType a, WellKnownType b) {
   return commonType(a.value(), b.value());

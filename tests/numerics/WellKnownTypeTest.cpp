@@ -1,8 +1,12 @@
 #include <VantraCore/WellKnownType.h>
 
+#include "numerics/ExpectedKinds.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
+#include <type_traits>
 #include <vector>
 
 using Tarvex::VantraCore::WellKnownType;
@@ -122,4 +126,36 @@ TEST(WellKnownType, CommonTypeIsSymmetricAndIdempotent) {
       EXPECT_EQ(common(complexOf(a), complexOf(b)), complexOf(real)) << bits(a) << " " << bits(b);
     }
   }
+}
+
+TEST(WellKnownType, EveryKindHasItsCodeAndNames) {
+  int count = 0;
+  ExpectedKinds::forEach([&](auto tag, std::uint16_t expected, char const *name, char const *messageName) {
+    using T = typename decltype(tag)::type;
+    static_assert(std::is_same_v<decltype(Tarvex::VantraCore::wellKnownTypeOf<T>()), WellKnownType>);
+    constexpr WellKnownType type = Tarvex::VantraCore::wellKnownTypeOf<T>();
+    EXPECT_EQ(type, code(expected)) << name;
+    EXPECT_EQ(Tarvex::VantraCore::wellKnownTypeOf<T const>(), type);
+    EXPECT_EQ(std::string(type.toString()), name);
+    EXPECT_EQ(WellKnownType(type.toString()), type) << name;
+    EXPECT_EQ(std::string(Tarvex::VantraCore::Internal::ElementKind<T>::messageName), messageName);
+    ++count;
+  });
+  EXPECT_EQ(count, 25);
+}
+
+TEST(WellKnownType, TextsOutsideTheKinds) {
+  EXPECT_EQ(std::string(WellKnownType(WellKnownTypeValue::typeCustom).toString()), "customType");
+  EXPECT_EQ(WellKnownType(Tarvex::VantraCore::VxStringView("customType")), WellKnownTypeValue::typeCustom);
+  EXPECT_EQ(WellKnownType(Tarvex::VantraCore::VxStringView("string8")), WellKnownTypeValue::typeString);
+  EXPECT_EQ(std::string(WellKnownType().toString()), "unknown");
+  for (std::uint16_t unnamed : {0x0003, 0x4001, 0x8003, 0x0011, 0x0050, 0xFFFF}) {
+    EXPECT_EQ(std::string(code(unnamed).toString()), "unknown") << unnamed;
+  }
+  // Names are exact: no case folding, no prefixes, no trailing bytes.
+  for (char const *refused : {"", "Double", "unknown", "string ", "int", "complexInt", "timestamps", "8"}) {
+    EXPECT_EQ(WellKnownType(Tarvex::VantraCore::VxStringView(refused)), WellKnownType()) << refused;
+  }
+  EXPECT_EQ(WellKnownType(Tarvex::VantraCore::VxStringView("int16", 3)), WellKnownType());
+  EXPECT_EQ(WellKnownType(Tarvex::VantraCore::VxStringView("int8\0", 5)), WellKnownType());
 }
