@@ -10,3 +10,4 @@
 #include <VantraCore/Time.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
+#include <VantraCore/WellKnownType.h>
