@@ -5,5 +5,6 @@
 #include <VantraCore/Export.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/StringUtilities.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
