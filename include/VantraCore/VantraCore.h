@@ -7,6 +7,7 @@
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 
 namespace Tarvex::VantraCore::Internal {
@@ -17,12 +18,11 @@ bool sameText(VxString const &a, VxString const &b) noexcept {
 
 }  // namespace
 
-InternedStringSet::InternedStringSet()
-    : m_buckets(new Node *[initialBucketCount]()), m_bucketCount(initialBucketCount) {}
+InternedStringSet::InternedStringSet() : m_buckets(initialBucketCount, nullptr) {}
 
 InternedStringSet::~InternedStringSet() {
-  for (std::uint64_t bucket = 0; bucket < m_bucketCount; ++bucket) {
-    for (Node *node = m_buckets[bucket]; node != nullptr;) {
+  for (Node *head : m_buckets) {
+    for (Node *node = head; node != nullptr;) {
       Node *next = node->next;
       delete node;
       node = next;
@@ -36,7 +36,7 @@ VxString const &InternedStringSet::intern(char const *text, std::uint64_t length
   std::unique_ptr<Node> candidate(new Node{nullptr, 0, VxString(text, length)});
   candidate->hash = fnv1aHash(candidate->value);
 
-  Node *&head = m_buckets[candidate->hash & (m_bucketCount - 1)];
+  Node *&head = m_buckets[candidate->hash & (m_buckets.size() - 1)];
   for (Node *node = head; node != nullptr; node = node->next) {
     if (node->hash == candidate->hash && sameText(node->value, candidate->value)) return node->value;
   }
@@ -47,7 +47,7 @@ VxString const &InternedStringSet::intern(char const *text, std::uint64_t length
   added->next = head;
   head = added;
   ++m_size;
-  if (m_size > m_bucketCount) {
+  if (m_size > m_buckets.size()) {
     try {
       grow();
     } catch (...) {
@@ -62,10 +62,11 @@ VxString const &InternedStringSet::intern(char const *text, std::uint64_t length
 }
 
 void InternedStringSet::grow() {
-  std::uint64_t const newCount = m_bucketCount < 512 ? m_bucketCount * 8 : m_bucketCount * 2;
-  std::unique_ptr<Node *[]> buckets(new Node *[newCount]());
-  for (std::uint64_t bucket = 0; bucket < m_bucketCount; ++bucket) {
-    for (Node *node = m_buckets[bucket]; node != nullptr;) {
+  std::uint64_t const oldCount = m_buckets.size();
+  std::uint64_t const newCount = oldCount < 512 ? oldCount * 8 : oldCount * 2;
+  std::vector<Node *> buckets(newCount, nullptr);
+  for (Node *head : m_buckets) {
+    for (Node *node = head; node != nullptr;) {
       Node *next = node->next;
       Node *&newHead = buckets[node->hash & (newCount - 1)];
       node->next = newHead;
@@ -73,8 +74,7 @@ void InternedStringSet::grow() {
       node = next;
     }
   }
-  m_buckets = std::move(buckets);
-  m_bucketCount = newCount;
+  m_buckets.swap(buckets);
 }
 
 }  // namespace Tarvex::VantraCore::Internal

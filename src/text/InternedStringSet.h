@@ -3,7 +3,7 @@
 #include <VantraCore/VxString.h>
 
 #include <cstdint>
-#include <memory>
+#include <vector>
 
 namespace Tarvex::VantraCore::Internal {
 
@@ -23,7 +23,7 @@ class InternedStringSet {
   VxString const &intern(char const *text, std::uint64_t length);
 
   std::uint64_t size() const noexcept { return m_size; }
-  std::uint64_t bucketCount() const noexcept { return m_bucketCount; }
+  std::uint64_t bucketCount() const noexcept { return m_buckets.size(); }
 
  private:
   struct Node {
@@ -34,8 +34,7 @@ class InternedStringSet {
 
   void grow();
 
-  std::unique_ptr<Node *[]> m_buckets;
-  std::uint64_t m_bucketCount;
+  std::vector<Node *> m_buckets;
   std::uint64_t m_size = 0;
 };
 

@@ -80,8 +80,10 @@ std::int32_t VxStringView::compare(std::uint64_t pos1, std::uint64_t count1, VxS
 std::uint64_t VxStringView::find(VxStringView v, std::uint64_t pos) const noexcept {
   std::uint64_t const n = v.m_length;
   if (n > m_length || pos > m_length - n) return npos;
+  if (n == 0) return pos;
+  // The first byte is tested inline before the whole needle is compared.
   for (std::uint64_t at = pos; at <= m_length - n; ++at) {
-    if (char_compare_fixed(m_data + at, v.m_data, n) == 0) return at;
+    if (m_data[at] == v.m_data[0] && char_compare_fixed(m_data + at, v.m_data, n) == 0) return at;
   }
   return npos;
 }
