@@ -1,8 +1,16 @@
 #pragma once
 
 // Everything public of VantraCore in one include.
-#include <VantraCore/Export.h>
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/Complex.h>
 #include <VantraCore/ExceptionTransport.h>
+#include <VantraCore/Export.h>
 #include <VantraCore/IndexSet.h>
+#include <VantraCore/Int128.h>
+#include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/StringUtilities.h>
+#include <VantraCore/Time.h>
+#include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
+#include <VantraCore/WellKnownType.h>

@@ -1,4 +1,9 @@
 #include <VantraCore/VantraCore.h>
-#include <cstdio>
-namespace Tarvex::VantraCore { int skeletonProbe(); }
-int main() { std::printf("consumer ok %d\n", Tarvex::VantraCore::skeletonProbe()); }
+
+#include <iostream>
+
+int main() {
+  using Tarvex::VantraCore::VxString;
+  VxString const text = VxString("consumer") + " ok";
+  std::cout << text << " (" << text.length() << " bytes)\n";
+}

@@ -1,0 +1,80 @@
+#include <text/InternedStringSet.h>
+
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+
+namespace Tarvex::VantraCore::Internal {
+
+namespace {
+
+constexpr std::uint64_t initialBucketCount = 8;
+
+bool sameText(VxString const &a, VxString const &b) noexcept {
+  return a.length() == b.length() && (a.length() == 0 || std::memcmp(a.data(), b.data(), a.length()) == 0);
+}
+
+}  // namespace
+
+InternedStringSet::InternedStringSet() : m_buckets(initialBucketCount, nullptr) {}
+
+InternedStringSet::~InternedStringSet() {
+  for (Node *head : m_buckets) {
+    for (Node *node = head; node != nullptr;) {
+      Node *next = node->next;
+      delete node;
+      node = next;
+    }
+  }
+}
+
+VxString const &InternedStringSet::intern(char const *text, std::uint64_t length) {
+  // The candidate's record gives the cached fields, so every byte up to `length` takes part in
+  // hash and equality, embedded NULs included.
+  std::unique_ptr<Node> candidate(new Node{nullptr, 0, VxString(text, length)});
+  candidate->hash = fnv1aHash(candidate->value);
+
+  Node *&head = m_buckets[candidate->hash & (m_buckets.size() - 1)];
+  for (Node *node = head; node != nullptr; node = node->next) {
+    if (node->hash == candidate->hash && sameText(node->value, candidate->value)) return node->value;
+  }
+
+  constexpr std::uint64_t maxSize = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Node);
+  if (m_size >= maxSize) throw std::length_error("list<T> too long");
+  Node *added = candidate.release();
+  added->next = head;
+  head = added;
+  ++m_size;
+  if (m_size > m_buckets.size()) {
+    try {
+      grow();
+    } catch (...) {
+      // No half-added name: the new element is still the head of its bucket.
+      head = added->next;
+      --m_size;
+      delete added;
+      throw;
+    }
+  }
+  return added->value;
+}
+
+void InternedStringSet::grow() {
+  std::uint64_t const oldCount = m_buckets.size();
+  std::uint64_t const newCount = oldCount < 512 ? oldCount * 8 : oldCount * 2;
+  std::vector<Node *> buckets(newCount, nullptr);
+  for (Node *head : m_buckets) {
+    for (Node *node = head; node != nullptr;) {
+      Node *next = node->next;
+      Node *&newHead = buckets[node->hash & (newCount - 1)];
+      node->next = newHead;
+      newHead = node;
+      node = next;
+    }
+  }
+  m_buckets.swap(buckets);
+}
+
+}  // namespace Tarvex::VantraCore::Internal

@@ -1,0 +1,44 @@
+#include <VantraCore/Complex.h>
+#include <VantraCore/Time.h>
+
+#include <gtest/gtest.h>
+
+using namespace Tarvex::VantraCore;
+using Internal::int128_t;
+
+TEST(Time, ChronoTakesTheFemtosecondCount) {
+  Duration const second = std::chrono::seconds(1);
+  EXPECT_EQ(second.count(), 1000000000000000);
+  EXPECT_EQ(std::chrono::duration_cast<Duration>(std::chrono::nanoseconds(-3)).count(), -3000000);
+  // 1000 years need more than 64 bits of femtoseconds.
+  Duration const millennium = std::chrono::hours(24 * 365 * 1000);
+  EXPECT_EQ(millennium.count().str(), "31536000000000000000000000");
+  EXPECT_EQ(std::chrono::duration_cast<std::chrono::hours>(millennium - second).count(), 24 * 365 * 1000 - 1);
+  EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(second * -3 / 2).count(), -1);
+  EXPECT_LT(-millennium, second);
+  EXPECT_EQ(Duration::max().count(), std::numeric_limits<int128_t>::max());
+}
+
+TEST(Time, TimestampCountsFromTheSystemEpoch) {
+  EXPECT_EQ(Timestamp(Duration(int128_t(0))), Timestamp(std::chrono::system_clock::time_point()));
+  auto const now = std::chrono::system_clock::now();
+  EXPECT_EQ(std::chrono::time_point_cast<std::chrono::system_clock::duration>(Timestamp(now)), now);
+}
+
+TEST(Time, SplitIntoSecondsAndSubseconds) {
+  int128_t const unit(0, 0x38D7EA4C68000);
+  int128_t const count = Duration(std::chrono::milliseconds(1500)).count();
+  EXPECT_EQ(static_cast<std::int64_t>(count / unit), 1);
+  EXPECT_EQ(count - count / unit * unit, 500000000000000);
+  // Truncation toward zero leaves a negative remainder for the caller to fold.
+  EXPECT_EQ(-count % unit, -500000000000000);
+}
+
+TEST(Complex, TwoPartsStoredDensely) {
+  Complex<bool> const flags[3] = {{true, false}, {}, {false, true}};
+  EXPECT_EQ(sizeof flags, 6u);
+  EXPECT_EQ(flags[1], Complex<bool>(false, false));
+  Complex<std::int64_t> const value(-1, 7);
+  EXPECT_TRUE(value.re == -1 && value.im == 7);
+  EXPECT_NE(value, Complex<std::int64_t>(-1, 8));
+}
