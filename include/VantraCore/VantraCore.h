@@ -1,9 +1,11 @@
 #pragma once
 
 // Everything public of VantraCore in one include.
+#include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/Complex.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
