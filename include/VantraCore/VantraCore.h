@@ -3,6 +3,7 @@
 // Everything public of VantraCore in one include.
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/Complex.h>
+#include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
 #include <VantraCore/IndexSet.h>
