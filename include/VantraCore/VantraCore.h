@@ -6,6 +6,7 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
