@@ -11,8 +11,10 @@
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
+#include <VantraCore/VariantCApi.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
 #include <VantraCore/WellKnownType.h>
