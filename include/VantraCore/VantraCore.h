@@ -15,6 +15,7 @@
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/VariantCApi.h>
+#include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
 #include <VantraCore/WellKnownType.h>

@@ -1,5 +1,6 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ScalarVariantData.h>
+#include <variant/ArrayHolders.h>
 #include <variant/VariantConversion.h>
 
 #include <new>
@@ -22,9 +23,10 @@ IVariantData *ScalarVariantData<T>::convertDataTo(WellKnownType type, Conversion
 }
 
 template <class T>
-IVariantData *ScalarVariantData<T>::reshapeToVxVariant(IVariantData const *, ArrayDimensionsView,
-                                                       DataOrdering) const {
-  throw std::logic_error("reshaping a scalar comes with the array holders");
+IVariantData *ScalarVariantData<T>::reshapeToVxVariant(IVariantData const *source,
+                                                       ArrayDimensionsView dimensions,
+                                                       DataOrdering ordering) const {
+  return VectorVariantData<T>::createReshaped(source, dimensions, ordering);
 }
 
 template <class T>

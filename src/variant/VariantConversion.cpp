@@ -1,5 +1,6 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ScalarVariantData.h>
+#include <variant/ArrayHolders.h>
 #include <variant/HolderReference.h>
 #include <variant/VariantConversion.h>
 
@@ -13,15 +14,17 @@ namespace {
 
 // A holder of U with default-valued elements, of the class that `form` names.
 template <class U>
-HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView, DataOrdering) {
+HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions, DataOrdering ordering,
+                           std::uint64_t count) {
   switch (form) {
     case ConvertedHolder::scalar:
       return HolderReference(new ScalarVariantDataRefCounted<U>(U()));
     case ConvertedHolder::vector:
+      return HolderReference(VectorVariantData<U>::create(dimensions, ordering, count));
     case ConvertedHolder::customVector:
-      break;
+      return HolderReference(CustomVectorVariantData<U>::create(dimensions, ordering, count));
   }
-  throw std::logic_error("array conversion comes with the array holders");
+  throwUnknownType();
 }
 
 }  // namespace
@@ -31,10 +34,10 @@ IVariantData *convertVariantData(ConversionSource const &source, ConvertedHolder
   (void)policy;
   return dispatchWellKnownType(target, [&](auto tag) -> IVariantData * {
     using U = typename decltype(tag)::type;
-    if (source.kind == WellKnownType()) return makeTarget<U>(form, {}, rowMajor).release();
+    if (source.kind == WellKnownType()) return makeTarget<U>(form, {}, rowMajor, 0).release();
     // Between different kinds the element conversion decides; until it exists every such pair refuses.
     if (source.kind != target) return nullptr;
-    HolderReference result = makeTarget<U>(form, source.dimensions, source.ordering);
+    HolderReference result = makeTarget<U>(form, source.dimensions, source.ordering, source.count);
     std::uint64_t const count = std::min(source.count, result->numberAllocatedElements());
     std::copy_n(static_cast<U const *>(source.data), count, static_cast<U *>(result->mutableStoredData()));
     return result.release();
