@@ -44,9 +44,20 @@ TEST(NullHolder, ReshapesOnlyToNoDimensions) {
   }
 }
 
-TEST(NullHolder, ConvertsToItselfOrRefusesCustomType) {
+TEST(NullHolder, ConvertsToItselfOrToAnEmptyArray) {
   IVariantData *null = constructVariantNull();
   EXPECT_EQ(null->convertDataTo(WellKnownType(), conversionLossless), null);
+  for (auto kind :
+       {WellKnownTypeValue::typeString, WellKnownTypeValue::typeTimestamp, WellKnownTypeValue::typeBool}) {
+    IVariantData *empty = null->convertDataTo(kind, conversionLossless);
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->wellKnownDataType(), kind);
+    EXPECT_FALSE(empty->isScalarStorage());
+    EXPECT_EQ(empty->dimensions().count, 0u);
+    EXPECT_EQ(empty->numberAllocatedElements(), 0u);
+    EXPECT_EQ(empty->dataOrdering(), rowMajor);
+    empty->destruct();
+  }
   try {
     null->convertDataTo(WellKnownTypeValue::typeCustom, conversionCast);
     ADD_FAILURE() << "converted";

@@ -117,3 +117,51 @@ TEST(VariantCApi, FailuresComeBackInTheRecord) {
   VxVariantData_C_API_destruct(&record, holder);
   EXPECT_TRUE(record.ok());
 }
+
+TEST(VariantCApi, ArraysFromElementsOrDefaults) {
+  Record record;
+  VxString const texts[] = {VxString("a"), VxString("bc")};
+  VxVariantData *strings =
+      VxVariantData_C_API_constructArray(&record, texts, codeOf(WellKnownTypeValue::typeString), 2, {}, 1);
+  ASSERT_TRUE(record.ok()) << record.failure();
+  auto const *copied = static_cast<VxString const *>(VxVariantData_C_API_constStoredData(&record, strings));
+  EXPECT_EQ(copied[1].c_str(), texts[1].c_str()) << "strings are shared, not duplicated";
+  EXPECT_EQ(VxVariantData_C_API_dataOrdering(&record, strings), 1u);
+
+  std::uint64_t const shape[] = {2, 2};
+  VxVariantData *zeros = VxVariantData_C_API_createWithAllocatedArray(
+      &record, codeOf(WellKnownTypeValue::typeDuration), {shape, 2}, 0);
+  EXPECT_EQ(VxVariantData_C_API_numberAllocatedElements(&record, zeros), 4u);
+  VxVariantData *none =
+      VxVariantData_C_API_createWithAllocatedArray(&record, codeOf(WellKnownTypeValue::typeDuration), {}, 0);
+  EXPECT_EQ(VxVariantData_C_API_numberAllocatedElements(&record, none), 0u);
+  EXPECT_TRUE(record.ok()) << record.failure();
+  for (VxVariantData *holder : {strings, zeros, none})
+    VxVariantData_C_API_destruct(&record, holder);
+}
+
+TEST(VariantCApi, ReshapeToVxVariantConsumesTheSource) {
+  Record record;
+  double const elements[] = {1, 2, 3, 4};
+  VxVariantData *source =
+      VxVariantData_C_API_constructArray(&record, elements, codeOf(WellKnownTypeValue::typeDouble), 4, {}, 0);
+  VxVariantData *shapeGiver = doubleScalar(0);
+  std::uint64_t const shape[] = {2, 3};
+  VxVariantData *reshaped =
+      VxVariantData_C_API_reshapeToVxVariant(&record, shapeGiver, source, {shape, 2}, 0);
+  ASSERT_TRUE(record.ok()) << record.failure();
+  auto const *block = static_cast<double const *>(VxVariantData_C_API_constStoredData(&record, reshaped));
+  EXPECT_EQ(block[3], 4);
+  EXPECT_EQ(block[4], 0) << "the rest keeps the default value";
+  VxVariantData_C_API_destruct(&record, reshaped);
+
+  // A failure leaves the source's reference with the caller.
+  VxVariantData *big =
+      VxVariantData_C_API_constructArray(&record, elements, codeOf(WellKnownTypeValue::typeDouble), 4, {}, 0);
+  EXPECT_EQ(VxVariantData_C_API_reshapeToVxVariant(&record, shapeGiver, big, {shape, 1}, 0), nullptr);
+  EXPECT_NE(record.exceptionName, nullptr);
+  EXPECT_EQ(VxVariantData_C_API_numberAllocatedElements(&record, big), 4u);
+  VxVariantData_C_API_destruct(&record, big);
+  VxVariantData_C_API_destruct(&record, shapeGiver);
+  EXPECT_TRUE(record.ok());
+}

@@ -2,6 +2,7 @@
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
+#include <VantraCore/VectorVariantData.h>
 #include <variant/capi/TransportGuard.h>
 
 #include <cstdint>
@@ -43,6 +44,29 @@ VxVariantData *VxVariantData_C_API_constructScalar(VxTransportRecord *record, vo
     return dispatchWellKnownType(kindOf(kind), [&](auto tag) {
       using T = typename decltype(tag)::type;
       return constructVariantScalar<T>(nullptr, 0, *static_cast<T const *>(checked(value)));
+    });
+  });
+}
+
+VxVariantData *VxVariantData_C_API_constructArray(VxTransportRecord *record, void const *data, uint16_t kind,
+                                                  uint64_t count, VxArrayDimensionsView dimensions,
+                                                  uint32_t ordering) noexcept {
+  return guardTransport(record, [&] {
+    return dispatchWellKnownType(kindOf(kind), [&](auto tag) {
+      using T = typename decltype(tag)::type;
+      return constructVariantVectorWithDataWithDimsUnresolved<T>(data, count, dimensions,
+                                                                 orderingOf(ordering));
+    });
+  });
+}
+
+VxVariantData *VxVariantData_C_API_createWithAllocatedArray(VxTransportRecord *record, uint16_t kind,
+                                                            VxArrayDimensionsView dimensions,
+                                                            uint32_t ordering) noexcept {
+  return guardTransport(record, [&] {
+    return dispatchWellKnownType(kindOf(kind), [&](auto tag) {
+      using T = typename decltype(tag)::type;
+      return constructVariantVectorWithoutDataWithDimsUnresolved<T>(dimensions, orderingOf(ordering));
     });
   });
 }
