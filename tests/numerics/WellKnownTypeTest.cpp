@@ -81,14 +81,10 @@ std::string failure(Call &&call) {
 
 }  // namespace
 
-TEST(WellKnownType, EveryKindHasItsCodeNamesDispatchAndPlaceInTheLists) {
+TEST(WellKnownType, EveryKindHasItsCodeNamesDispatchAndPlaceInTheList) {
   static_assert(sizeof(WellKnownType) == 2, "passed as a plain 16-bit value");
-  static_assert(Internal::isElementKind<double const> && !Internal::isElementKind<long double>);
   constexpr auto listed = Internal::makeElementKindTable(
       [](auto kind) { return wellKnownTypeOf<typename decltype(kind)::type>(); });
-  std::vector<WellKnownType> numeric;
-  Internal::forEachElementKind<Internal::NumericElementKinds>(
-      [&](auto kind) { numeric.push_back(wellKnownTypeOf<typename decltype(kind)::type>()); });
   std::size_t position = 0;
   forEachDocumentedKind([&](auto tag, std::uint16_t expected, char const *name, char const *messageName) {
     using T = typename decltype(tag)::type;
@@ -103,9 +99,7 @@ TEST(WellKnownType, EveryKindHasItsCodeNamesDispatchAndPlaceInTheLists) {
       return std::is_same_v<typename decltype(kind)::type, T>;
     })) << name;
     // Only the twenty kinds with a numeric base, the truth values aside, reach the numeric dispatch.
-    bool const isNumeric = (expected & 0xF) != 0 && (expected & 0x3FFF) != 0x0003;
-    EXPECT_EQ(std::count(numeric.begin(), numeric.end(), type), isNumeric) << name;
-    if (isNumeric) {
+    if ((expected & 0xF) != 0 && (expected & 0x3FFF) != 0x0003) {
       EXPECT_TRUE(Internal::dispatchNumericType(
           type, [](auto kind) { return std::is_same_v<typename decltype(kind)::type, T>; }));
     } else {
