@@ -17,19 +17,18 @@ using Shape = std::vector<std::uint64_t>;
 namespace {
 
 // The walk spelled out with divisions instead of an odometer: step i stands for the row-major
-// multi-index of i modulo the element count.
+// multi-index of i modulo the element count. Writes only the first `count` of the destination.
 template <typename T>
 void referenceConversion(std::vector<T> const &source, DataOrdering from, std::vector<T> &destination,
-                         Shape const &dims) {
+                         std::uint64_t count, Shape const &dims) {
   std::uint64_t const total = elementCount(dims);
   if ((from != rowMajor && from != columnMajor) || total == 0) return;
   Shape indices;
   for (std::uint64_t i = 0; i < source.size(); ++i) {
     ArrayIndexing::CalculateIndicesRowMajor(indices, i % total, dims, true);
     std::uint64_t const offset = ArrayIndexing::calculateOffsetColumnMajor(indices, dims, true);
-    if (from == rowMajor && offset < destination.size()) destination[offset] = source[i];
-    if (from == columnMajor && i < destination.size() && offset < source.size())
-      destination[i] = source[offset];
+    if (from == rowMajor && offset < count) destination[offset] = source[i];
+    if (from == columnMajor && i < count && offset < source.size()) destination[i] = source[offset];
   }
 }
 
@@ -49,15 +48,15 @@ std::vector<T> elements(std::uint64_t count, std::uint64_t seed) {
 }
 
 // Converts with both routines from each ordering, an unknown one included, with buffers of the given
-// sizes, and compares.
+// sizes, and compares; a pass's worth of guards past the destination must stay as they were.
 template <typename T>
 void expectAsReference(Shape const &dims, std::uint64_t sourceCount, std::uint64_t destinationCount) {
   auto const source = elements<T>(sourceCount, 1);
   for (DataOrdering from : {rowMajor, columnMajor, DataOrdering(2)}) {
-    auto expected = elements<T>(destinationCount, 1000000);
+    auto expected = elements<T>(destinationCount + elementCount(dims) + 1, 1000000);
     auto actual = expected;
-    referenceConversion(source, from, expected, dims);
-    convertOrdering(source.data(), source.size(), from, actual.data(), actual.size(),
+    referenceConversion(source, from, expected, destinationCount, dims);
+    convertOrdering(source.data(), source.size(), from, actual.data(), destinationCount,
                     ArrayDimensionsView(dims));
     RC_ASSERT(actual == expected);
   }
@@ -73,14 +72,14 @@ void checkAllKinds(Shape const &dims, std::uint64_t sourceCount, std::uint64_t d
 
 }  // namespace
 
-// Mostly buffers that fit the shape; buffers that disagree with it have the walk cover the source and
+// Buffers that fit the shape, and buffers that disagree with it have the walk cover the source and
 // skip what lies outside.
 RC_GTEST_PROP(OrderingConversion, MatchesTheWalkForSmallShapesAndAnyBuffers, ()) {
   auto const dims =
       *rc::gen::container<Shape>(*rc::gen::inRange<std::size_t>(0, 5), rc::gen::inRange<std::uint64_t>(0, 7));
   std::uint64_t const total = elementCount(dims);
   auto const count = rc::gen::weightedOneOf<std::uint64_t>(
-      {{2, rc::gen::just(total)}, {1, rc::gen::inRange<std::uint64_t>(0, 3 * total + 2)}});
+      {{1, rc::gen::just(total)}, {1, rc::gen::inRange<std::uint64_t>(0, 3 * total + 2)}});
   std::uint64_t const sourceCount = *count, destinationCount = *count;
   checkAllKinds(dims, sourceCount, destinationCount);
 }
@@ -89,7 +88,9 @@ RC_GTEST_PROP(OrderingConversion, MatchesTheWalkForSmallShapesAndAnyBuffers, ())
 TEST(OrderingConversion, MatchesTheWalkAcrossTilesAndBlocks) {
   for (Shape const &dims : {Shape{300, 270}, Shape{17, 513}, Shape{1, 260, 1, 9}, Shape{19, 3, 33},
                             Shape{9, 2, 5, 131}, Shape{1, 1, 1}, Shape{1000}}) {
-    checkAllKinds(dims, elementCount(dims), elementCount(dims));
+    std::uint64_t const total = elementCount(dims);
+    checkAllKinds(dims, total, total);
+    checkAllKinds(dims, 2 * total + 1, total - 1);  // whole passes beyond a short destination
   }
 }
 
