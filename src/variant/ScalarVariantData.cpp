@@ -47,6 +47,7 @@ IVariantData *constructVariantScalar(void *buffer, std::size_t bufferSize, T val
 
 IVariantData *copyConstructVariantScalar(void *buffer, std::size_t bufferSize,
                                          VxVariantDirectStorage const &source) {
+  if (source.data == nullptr) throw std::invalid_argument("VxVariant data is null");
   IVariantData const &holder = *source.data;
   return findElementKind(
       holder.wellKnownDataType(),

@@ -10,33 +10,18 @@
 using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Internal;
 
-namespace {
-
-template <class T>
-HolderReference custom(std::initializer_list<T> elements, std::uint64_t rows, DataOrdering ordering) {
-  std::uint64_t const shape[] = {rows, elements.size() / rows};
-  auto *holder = CustomVectorVariantData<T>::create({shape, 2}, ordering, elements.size());
-  std::copy(elements.begin(), elements.end(), holder->elements());
-  return HolderReference(holder);
-}
-
-}  // namespace
-
+// Custom holders compare through the first holder's table, and have no kind in common with others.
 TEST(CustomHolderComparison, ComparesThroughTheFirstHoldersTable) {
-  HolderReference const a = custom<double>({1, 2, 3, 4, 5, 6}, 2, rowMajor);
-  HolderReference const same = custom<double>({1, 2, 3, 4, 5, 6}, 2, rowMajor);
-  HolderReference const transposed = custom<double>({1, 4, 2, 5, 3, 6}, 2, columnMajor);
-  EXPECT_TRUE(isIdenticalTo(*a, *same));
-  EXPECT_FALSE(isIdenticalTo(*a, *transposed));
-  EXPECT_TRUE(isEquivalentTo(*a, *transposed, conversionLossless));
-  EXPECT_FALSE(isEquivalentTo(*a, *custom<double>({1, 2, 3, 4, 5, 7}, 2, rowMajor), conversionLossless));
-}
-
-TEST(CustomHolderComparison, CustomAndAKnownKindHaveNoCommonKind) {
-  HolderReference const a = custom<double>({1, 2}, 1, rowMajor);
-  std::uint64_t const shape[] = {1, 2};
-  double const elements[] = {1, 2};
-  HolderReference const plain(VectorVariantData<double>::createCopy({shape, 2}, rowMajor, 2, elements, 2));
-  EXPECT_FALSE(isEquivalentTo(*a, *plain, conversionCast));
-  EXPECT_FALSE(isIdenticalTo(*a, *plain));
+  auto make = [](std::initializer_list<double> elements, DataOrdering ordering, bool custom) {
+    std::uint64_t const shape[] = {2, 3};
+    auto *holder = custom ? CustomVectorVariantData<double>::create({shape, 2}, ordering, 6)
+                          : VectorVariantData<double>::create({shape, 2}, ordering, 6);
+    std::copy(elements.begin(), elements.end(), holder->elements());
+    return HolderReference(holder);
+  };
+  HolderReference const a = make({1, 2, 3, 4, 5, 6}, rowMajor, true);
+  EXPECT_TRUE(isIdenticalTo(*a, *make({1, 2, 3, 4, 5, 6}, rowMajor, true)));
+  EXPECT_TRUE(isEquivalentTo(*a, *make({1, 4, 2, 5, 3, 6}, columnMajor, true), conversionLossless));
+  EXPECT_FALSE(isEquivalentTo(*a, *make({1, 2, 3, 4, 5, 7}, rowMajor, true), conversionLossless));
+  EXPECT_FALSE(isEquivalentTo(*a, *make({1, 2, 3, 4, 5, 6}, rowMajor, false), conversionCast));
 }
