@@ -1,44 +1,14 @@
-// Counts every allocation of the process, the library's included (it calls the replaced operators of
-// this program), to hold the string to its allocation promises.
+// Holds the string to its allocation promises.
+#include <support/CountingAllocator.h>
+
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/VxString.h>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<std::uint64_t> g_allocations{0}, g_releases{0}, g_lastSize{0};
-void release(void *memory) noexcept {
-  if (memory) g_releases.fetch_add(1);
-  std::free(memory);
-}
-}  // namespace
-
-void *operator new(std::size_t size) {
-  g_allocations.fetch_add(1);
-  g_lastSize.store(size);
-  if (void *memory = std::malloc(size ? size : 1)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void *memory) noexcept {
-  release(memory);
-}
-void operator delete(void *memory, std::size_t) noexcept {
-  release(memory);
-}
-
 using namespace Tarvex::VantraCore;
 
-namespace {
-struct Counter {
-  std::uint64_t allocations0 = g_allocations.load(), releases0 = g_releases.load();
-  std::uint64_t allocations() const { return g_allocations.load() - allocations0; }
-  std::uint64_t releases() const { return g_releases.load() - releases0; }
-};
-}  // namespace
+using CountingAllocator::Counter;
 
 TEST(VxStringMemory, DefaultStringsAndCopiesAllocateNothing) {
   VxString const text("shared");
@@ -56,7 +26,7 @@ TEST(VxStringMemory, DefaultStringsAndCopiesAllocateNothing) {
 TEST(VxStringMemory, BuildingAllocatesOnceAndTheLastReleaseFrees) {
   Counter counter;
   VxString const text("abcd");
-  EXPECT_EQ(g_lastSize.load(), 4u + 17u);
+  EXPECT_EQ(CountingAllocator::lastSize.load(), 4u + 17u);
   VxString const joined = text + "xyz", part = joined.substr(2, 3), padded = padString(text, 9);
   EXPECT_EQ(counter.allocations(), 4u);
 

@@ -1,0 +1,47 @@
+#include <VantraCore/ElementKinds.h>
+#include <VantraCore/ScalarVariantData.h>
+#include <variant/ArrayHolders.h>
+#include <variant/HolderReference.h>
+#include <variant/VariantConversion.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+
+namespace Tarvex::VantraCore::Internal {
+
+namespace {
+
+// A holder of U with default-valued elements, of the class that `form` names.
+template <class U>
+HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions, DataOrdering ordering,
+                           std::uint64_t count) {
+  switch (form) {
+    case ConvertedHolder::scalar:
+      return HolderReference(new ScalarVariantDataRefCounted<U>(U()));
+    case ConvertedHolder::vector:
+      return HolderReference(VectorVariantData<U>::create(dimensions, ordering, count));
+    case ConvertedHolder::customVector:
+      return HolderReference(CustomVectorVariantData<U>::create(dimensions, ordering, count));
+  }
+  throwUnknownType();
+}
+
+}  // namespace
+
+IVariantData *convertVariantData(ConversionSource const &source, ConvertedHolder form, WellKnownType target,
+                                 ConversionPolicy policy) {
+  (void)policy;
+  return dispatchWellKnownType(target, [&](auto tag) -> IVariantData * {
+    using U = typename decltype(tag)::type;
+    if (source.kind == WellKnownType()) return makeTarget<U>(form, {}, rowMajor, 0).release();
+    // Between different kinds the element conversion decides; until it exists every such pair refuses.
+    if (source.kind != target) return nullptr;
+    HolderReference result = makeTarget<U>(form, source.dimensions, source.ordering, source.count);
+    std::uint64_t const count = std::min(source.count, result->numberAllocatedElements());
+    std::copy_n(static_cast<U const *>(source.data), count, static_cast<U *>(result->mutableStoredData()));
+    return result.release();
+  });
+}
+
+}  // namespace Tarvex::VantraCore::Internal

@@ -1,0 +1,46 @@
+#pragma once
+
+// Replaces the global operator new and delete of the including program to count every allocation of
+// the process, the library's included (it calls the replaced operators of the program). Include it in
+// exactly one source file of a test program.
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace CountingAllocator {
+inline std::atomic<std::uint64_t> allocations{0}, releases{0}, lastSize{0}, largestSize{0};
+
+inline void release(void *memory) noexcept {
+  if (memory) releases.fetch_add(1);
+  std::free(memory);
+}
+
+// The allocations and releases since construction, and the largest size asked for meanwhile.
+struct Counter {
+  std::uint64_t allocations0 = CountingAllocator::allocations.load(),
+                releases0 = CountingAllocator::releases.load();
+  Counter() { largestSize.store(0); }
+  std::uint64_t allocations() const { return CountingAllocator::allocations.load() - allocations0; }
+  std::uint64_t releases() const { return CountingAllocator::releases.load() - releases0; }
+  std::uint64_t largest() const { return largestSize.load(); }
+};
+}  // namespace CountingAllocator
+
+void *operator new(std::size_t size) {
+  CountingAllocator::allocations.fetch_add(1);
+  CountingAllocator::lastSize.store(size);
+  std::uint64_t largest = CountingAllocator::largestSize.load();
+  while (size > largest && !CountingAllocator::largestSize.compare_exchange_weak(largest, size)) {
+  }
+  if (void *memory = std::malloc(size ? size : 1)) return memory;
+  throw std::bad_alloc();
+}
+void operator delete(void *memory) noexcept {
+  CountingAllocator::release(memory);
+}
+void operator delete(void *memory, std::size_t) noexcept {
+  CountingAllocator::release(memory);
+}
