@@ -6,10 +6,13 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/FileOperations.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/Path.h>
+#include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/VxString.h>
