@@ -114,4 +114,56 @@ std::uint16_t UpperCaseUtf16Reader::next() noexcept {
   return static_cast<std::uint16_t>(0xD800 + ((c - 0x10000) >> 10));
 }
 
+namespace {
+
+unsigned char upperAscii(unsigned char c) noexcept {
+  return c >= 'a' && c <= 'z' ? c - 0x20 : c;
+}
+
+// How many leading bytes both texts have in ASCII (no NUL) with equal upper cases; `order` is set
+// when a pair of ASCII bytes already decides.
+std::size_t asciiPrefix(std::string_view a, std::string_view b, int &order) noexcept {
+  std::size_t const n = a.size() < b.size() ? a.size() : b.size();
+  order = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    auto const x = static_cast<unsigned char>(a[i]);
+    auto const y = static_cast<unsigned char>(b[i]);
+    if (((x | y) & 0x80) != 0 || x == 0 || y == 0) return i;
+    if (x != y && upperAscii(x) != upperAscii(y)) {
+      order = upperAscii(x) < upperAscii(y) ? -1 : 1;
+      return i;
+    }
+  }
+  return n;
+}
+
+}  // namespace
+
+int compareUpperCase(std::string_view a, std::string_view b) noexcept {
+  int order;
+  std::size_t const same = asciiPrefix(a, b, order);
+  if (order != 0) return order;
+  UpperCaseUtf16Reader left(a.substr(same));
+  UpperCaseUtf16Reader right(b.substr(same));
+  for (;;) {
+    std::uint16_t const x = left.next();
+    std::uint16_t const y = right.next();
+    if (x != y) return x < y ? -1 : 1;
+    if (x == 0) return 0;
+  }
+}
+
+bool startsWithUpperCase(std::string_view text, std::string_view prefix) noexcept {
+  int order;
+  std::size_t const same = asciiPrefix(text, prefix, order);
+  if (order != 0) return false;
+  UpperCaseUtf16Reader rest(text.substr(same));
+  UpperCaseUtf16Reader start(prefix.substr(same));
+  for (;;) {
+    std::uint16_t const unit = start.next();
+    if (unit == 0) return true;
+    if (rest.next() != unit) return false;
+  }
+}
+
 }  // namespace Tarvex::VantraCore::Internal

@@ -28,4 +28,10 @@ class UpperCaseUtf16Reader {
   std::uint16_t m_pendingLow = 0;
 };
 
+// -1, 0 or 1 as the upper-cased UTF-16 units of `a` and `b` compare, unsigned, up to the end or a NUL.
+int compareUpperCase(std::string_view a, std::string_view b) noexcept;
+
+// Whether the upper-cased units of `text` begin with those of `prefix`.
+bool startsWithUpperCase(std::string_view text, std::string_view prefix) noexcept;
+
 }  // namespace Tarvex::VantraCore::Internal

@@ -132,17 +132,6 @@ void appendElement(std::string &text, std::string_view element) {
   std::replace(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), '/', '\\');
 }
 
-int compareUpperCase(std::string_view a, std::string_view b) noexcept {
-  Internal::UpperCaseUtf16Reader left(a);
-  Internal::UpperCaseUtf16Reader right(b);
-  for (;;) {
-    std::uint16_t const x = left.next();
-    std::uint16_t const y = right.next();
-    if (x != y) return x < y ? -1 : 1;
-    if (x == 0) return 0;
-  }
-}
-
 fs::file_status statusOf(Path const &path, bool followLinks) noexcept {
   try {
     std::error_code code;
@@ -475,7 +464,7 @@ Path Path::resolve_path(Path const &relative) const {
   } else if (otherRootName) {
     std::string_view const baseRootName(base.data(), baseLayout.rootNameEnd);
     std::string_view const otherRootNameText(other.data(), otherLayout.rootNameEnd);
-    if (baseRootName.empty() || compareUpperCase(baseRootName, otherRootNameText) == 0) {
+    if (baseRootName.empty() || Internal::compareUpperCase(baseRootName, otherRootNameText) == 0) {
       resolved = otherRootNameText;
       appendElement(resolved, std::string_view(base).substr(baseRootName.size(),
                                                             baseLayout.rootEnd - baseRootName.size()));
@@ -507,15 +496,15 @@ Path Path::make_relative_path(Path const &path, Path const &base, bool *made, in
   std::size_t const pathRoot = layoutOf(pathText).rootEnd;
   std::size_t const baseRoot = layoutOf(baseText).rootEnd;
   if (pathRoot == 0 || baseRoot == 0 || !path.is_absolute() || !base.is_absolute() ||
-      compareUpperCase(std::string_view(pathText).substr(0, pathRoot),
-                       std::string_view(baseText).substr(0, baseRoot)) != 0) {
+      Internal::compareUpperCase(std::string_view(pathText).substr(0, pathRoot),
+                                 std::string_view(baseText).substr(0, baseRoot)) != 0) {
     return unchanged;
   }
   std::vector<std::string_view> const pathElements = elementsOf(pathText, pathRoot);
   std::vector<std::string_view> const baseElements = elementsOf(baseText, baseRoot);
   std::size_t common = 0;
   while (common < pathElements.size() && common < baseElements.size() &&
-         compareUpperCase(pathElements[common], baseElements[common]) == 0) {
+         Internal::compareUpperCase(pathElements[common], baseElements[common]) == 0) {
     ++common;
   }
   std::size_t const climbs = baseElements.size() - common;
@@ -578,17 +567,11 @@ bool Path::equal_filenames(Path const &a, Path const &b) {
   return compare_filenames(a, b) == 0;
 }
 int Path::compare_filenames(Path const &a, Path const &b) {
-  return compareUpperCase(textOf(a), textOf(b));
+  return Internal::compareUpperCase(textOf(a), textOf(b));
 }
 
 bool Path::starts_with(Path const &prefix) const {
-  Internal::UpperCaseUtf16Reader text(textOf(*this));
-  Internal::UpperCaseUtf16Reader start(textOf(prefix));
-  for (;;) {
-    std::uint16_t const unit = start.next();
-    if (unit == 0) return true;
-    if (text.next() != unit) return false;
-  }
+  return Internal::startsWithUpperCase(textOf(*this), textOf(prefix));
 }
 
 bool Path::is_contained_within_path(Path const &other) const {

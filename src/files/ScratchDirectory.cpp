@@ -131,13 +131,21 @@ void reclaimStaleDirectories(Path const &root) {
 }
 
 Path ScratchSystem::makeUniqueDirectory(VxString const &name) {
-  std::call_once(m_started, [this] { initialise(); });
+  start();
   Path candidate = m_processDirectory.resolve_path(Path(name));
   for (std::uint64_t k = 1; candidate.exists(); ++k) {
     candidate = m_processDirectory.resolve_path(Path(name + VxString(std::to_string(k))));
   }
   if (!createdDirectory(candidate)) throwFailedToCreate(candidate);
   return candidate.normalize();
+}
+
+void ScratchSystem::start() {
+  if (m_started.load(std::memory_order_acquire)) return;
+  std::lock_guard<std::mutex> const lock(m_starting);
+  if (m_started.load(std::memory_order_relaxed)) return;
+  initialise();
+  m_started.store(true, std::memory_order_release);
 }
 
 void ScratchSystem::initialise() {

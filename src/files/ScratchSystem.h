@@ -3,6 +3,7 @@
 #include <VantraCore/Path.h>
 #include <VantraCore/VxString.h>
 
+#include <atomic>
 #include <mutex>
 
 namespace Tarvex::VantraCore::Internal {
@@ -27,9 +28,13 @@ class ScratchSystem {
   Experimental::Path makeUniqueDirectory(VxString const &name);
 
  private:
+  void start();
   void initialise();
 
-  std::once_flag m_started;
+  // A once-flag that a throwing initialiser leaves unset, so that the next call tries again.
+  // std::call_once promises that too, but some runtimes (and the thread sanitizer) then block.
+  std::mutex m_starting;
+  std::atomic<bool> m_started{false};
   VxString m_application;
   VxString m_subName;
   Experimental::Path m_root;

@@ -181,8 +181,11 @@ TEST(Path, FilenamesCompareCaseInsensitively) {
   EXPECT_TRUE(Path::equal_filenames("\xD0\xBF\xD1\x80\xD0\xB8\xD1\x91\xD0\xBC",
                                     "\xD0\x9F\xD0\xA0\xD0\x98\xD0\x81\xD0\x9C"));
   EXPECT_FALSE(Path::equal_filenames("\xC3\x9F", "SS"));
+  EXPECT_EQ(Path::compare_filenames("ab\xC3\xA4x", "AB\xC3\x84X"), 0);
+  EXPECT_EQ(Path::compare_filenames("abz", "AB\xC3\xA4"), -1);
 
   EXPECT_TRUE(Path("C:\\abc").starts_with("c:\\AB"));
+  EXPECT_TRUE(Path("C:\\ab\xCF\x80\xCF\x81").starts_with("c:\\AB\xCE\xA0"));
   EXPECT_TRUE(Path("abc").starts_with(Path()));
   EXPECT_FALSE(Path("ab").starts_with("abc"));
   EXPECT_TRUE(Path("/tmp/abc").is_contained_within_path("/TMP/ab"));
