@@ -16,30 +16,22 @@ class TempDirectory {
     if (!::mkdtemp(pattern.data())) throw std::runtime_error("mkdtemp failed");
     m_path = pattern;
   }
-  TempDirectory(TempDirectory const &) = delete;
-  TempDirectory &operator=(TempDirectory const &) = delete;
-  ~TempDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-  }
+  ~TempDirectory() { std::filesystem::remove_all(m_path); }
 
   std::filesystem::path const &path() const { return m_path; }
-  // A name below the directory, as POSIX text.
   std::string operator/(std::string const &name) const { return (m_path / name).string(); }
 
  private:
   std::filesystem::path m_path;
 };
 
-// Sets or unsets an environment variable for a scope and puts the old state back.
+// Sets (or with null unsets) an environment variable for a scope.
 class ScopedEnvironment {
  public:
   ScopedEnvironment(char const *name, char const *value) : m_name(name) {
     if (char const *old = std::getenv(name)) m_old = old;
     value ? ::setenv(name, value, 1) : ::unsetenv(name);
   }
-  ScopedEnvironment(ScopedEnvironment const &) = delete;
-  ScopedEnvironment &operator=(ScopedEnvironment const &) = delete;
   ~ScopedEnvironment() { m_old ? ::setenv(m_name.c_str(), m_old->c_str(), 1) : ::unsetenv(m_name.c_str()); }
 
  private:
@@ -48,13 +40,7 @@ class ScopedEnvironment {
 };
 
 // Puts the current directory back at the end of a scope, independently of the code under test.
-class ScopedCurrentDirectory {
- public:
-  ScopedCurrentDirectory() : m_saved(std::filesystem::current_path()) {}
-  ScopedCurrentDirectory(ScopedCurrentDirectory const &) = delete;
-  ScopedCurrentDirectory &operator=(ScopedCurrentDirectory const &) = delete;
-  ~ScopedCurrentDirectory() { std::filesystem::current_path(m_saved); }
-
- private:
-  std::filesystem::path m_saved;
+struct ScopedCurrentDirectory {
+  std::filesystem::path const saved = std::filesystem::current_path();
+  ~ScopedCurrentDirectory() { std::filesystem::current_path(saved); }
 };
