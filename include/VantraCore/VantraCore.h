@@ -4,7 +4,9 @@
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/Complex.h>
 #include <VantraCore/ElementKinds.h>
+#include <VantraCore/ExceptionReporter.h>
 #include <VantraCore/ExceptionTransport.h>
+#include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
 #include <VantraCore/FileOperations.h>
 #include <VantraCore/IndexSet.h>

@@ -44,41 +44,33 @@ std::string streamed(T const &value, std::ios_base::fmtflags flags) {
 }
 }  // namespace
 
-// Both classes wrap exactly like the unsigned native type; they differ in order, division and >>.
-RC_GTEST_PROP(Int128Property, ArithmeticMatchesNative, ()) {
+// Each class matches its native counterpart; both wrap exactly like the unsigned one.
+RC_GTEST_PROP(Int128Property, ArithmeticOrderAndDivisionMatchNative, ()) {
   U const a = *genNative(), b = *genNative();
-  auto const check = [&](auto x, auto y) {
+  auto const check = [&](auto x, auto y, auto na, auto nb) {
     using T = decltype(x);
+    using N = decltype(na);
     RC_ASSERT(native(x + y) == a + b && native(x - y) == a - b && native(x * y) == a * b);
     RC_ASSERT(native(x & y) == (a & b) && native(x | y) == (a | b) && native(x ^ y) == (a ^ b));
     RC_ASSERT(native(~x) == U(~a) && native(-x) == U(-a));
     T z = x;
     RC_ASSERT(native(z += y) == a + b && native(z -= y) == a && native(z *= y) == a * b);
     RC_ASSERT(native(z++) == a * b && native(--z) == a * b);
+    RC_ASSERT((x == y) == (na == nb) && (x != y) == (na != nb) && (x < y) == (na < nb));
+    RC_ASSERT((x <= y) == (na <= nb) && (x > y) == (na > nb) && (x >= y) == (na >= nb));
+    // The native type traps on the most negative value divided by -1; that case has its own test.
+    if (nb == 0 || (na == N(U(1) << 127) && nb == N(-1))) return;
+    RC_ASSERT(native(x / y) == U(na / nb) && native(x % y) == U(na % nb));
   };
-  check(fromNative<uint128_t>(a), fromNative<uint128_t>(b));
-  check(fromNative<int128_t>(a), fromNative<int128_t>(b));
+  check(fromNative<uint128_t>(a), fromNative<uint128_t>(b), a, b);
+  check(fromNative<int128_t>(a), fromNative<int128_t>(b), S(a), S(b));
 }
 
-RC_GTEST_PROP(Int128Property, OrderAndDivisionMatchNative, ()) {
-  U const a = *genNative(), b = *genNative();
-  uint128_t const x = fromNative<uint128_t>(a), y = fromNative<uint128_t>(b);
-  RC_ASSERT((x == y) == (a == b) && (x != y) == (a != b) && (x < y) == (a < b));
-  RC_ASSERT((x <= y) == (a <= b) && (x > y) == (a > b) && (x >= y) == (a >= b));
-  int128_t const sx = fromNative<int128_t>(a), sy = fromNative<int128_t>(b);
-  S const sa = S(a), sb = S(b);
-  RC_ASSERT((sx == sy) == (sa == sb) && (sx != sy) == (sa != sb) && (sx < sy) == (sa < sb));
-  RC_ASSERT((sx <= sy) == (sa <= sb) && (sx > sy) == (sa > sb) && (sx >= sy) == (sa >= sb));
-  if (b == 0) return;
-  RC_ASSERT(native(x / y) == a / b && native(x % y) == a % b);
-  // The native type traps on the most negative value divided by -1; that case has its own test.
-  if (sa == S(U(1) << 127) && sb == -1) return;
-  RC_ASSERT(native(sx / sy) == U(sa / sb) && native(sx % sy) == U(sa % sb));
-}
-
-RC_GTEST_PROP(Int128Property, ShiftsMatchNative, ()) {
+// Counts near the half and whole widths come up often: off-by-one there loses or keeps a bit.
+RC_GTEST_PROP(Int128Property, ShiftsAndBitsMatchNative, ()) {
   U const a = *genNative();
-  unsigned const count = *rc::gen::inRange(0u, 200u);
+  unsigned const count = *rc::gen::weightedOneOf<unsigned>(
+      {{1, rc::gen::element(0u, 1u, 63u, 64u, 65u, 127u, 128u)}, {2, rc::gen::inRange(0u, 200u)}});
   U const left = count < 128 ? a << count : 0;
   RC_ASSERT(native(fromNative<uint128_t>(a) << count) == left);
   RC_ASSERT(native(fromNative<uint128_t>(a) >> count) == (count < 128 ? a >> count : 0));
@@ -87,6 +79,10 @@ RC_GTEST_PROP(Int128Property, ShiftsMatchNative, ()) {
   RC_ASSERT(native(fromNative<int128_t>(a) >> count) == U(count < 128 ? S(a) >> count : sign));
   // A count beyond 64 bits is out of range whatever its low half says.
   RC_ASSERT(!(fromNative<uint128_t>(a) << uint128_t(1, count)));
+  unsigned significant = 0;
+  for (U rest = a; rest != 0; rest >>= 1)
+    ++significant;
+  RC_ASSERT(fromNative<uint128_t>(a).bits() == significant);
 }
 
 RC_GTEST_PROP(Int128Property, TextRoundTripsInEveryBase, ()) {
@@ -102,17 +98,11 @@ RC_GTEST_PROP(Int128Property, TextRoundTripsInEveryBase, ()) {
   RC_ASSERT(parsed == a);
 }
 
-TEST(Int128, ShiftsAndBits) {
-  uint128_t const one = 1;
-  EXPECT_EQ(one << 128, 0);
-  EXPECT_EQ(one << 127, uint128_t(1ull << 63, 0));
-  EXPECT_EQ(uint128_t(0, 0xabc) << 64, uint128_t(0xabc, 0));
-  // Built-in values on the left go into the lower half as 64-bit values.
+// Built-in values on the left go into the lower half as 64-bit values.
+TEST(Int128, ShiftsOfBuiltinValues) {
   EXPECT_EQ(-8 >> uint128_t(1), uint128_t(0, ~0ull >> 1 & ~3ull));
   EXPECT_EQ(std::int64_t(-1) << uint128_t(64), uint128_t(~0ull, 0));
   EXPECT_EQ(true << uint128_t(100), uint128_t(1ull << 36, 0));
-  EXPECT_TRUE(uint128_t().bits() == 0 && uint128_t(0, 5).bits() == 3);
-  EXPECT_TRUE(uint128_t(1, 0).bits() == 65 && uint128_t(~0ull, 0).bits() == 128);
 }
 
 TEST(Int128, ConversionsAndConstants) {
@@ -123,27 +113,16 @@ TEST(Int128, ConversionsAndConstants) {
   EXPECT_TRUE(Tarvex::VantraCore::Internal::uint128_0 == 0 && Tarvex::VantraCore::Internal::uint128_1 == 1);
 }
 
-TEST(Int128, DivisionShortcutsAndLimits) {
-  EXPECT_EQ(uint128_t(7) / 7, 1);
-  EXPECT_EQ(uint128_t(0) / 3, 0);
-  EXPECT_EQ(uint128_t(3) % 7, 3);
-  EXPECT_EQ(native(uint128_t(1) << 100) / 3, native((uint128_t(1) << 100) / 3));
+TEST(Int128, LimitsAndFailures) {
   int128_t const min = std::numeric_limits<int128_t>::min();
   EXPECT_EQ(min / -1, min);
   EXPECT_EQ(min % -1, 0);
-  EXPECT_EQ(int128_t(-7) / 2, -3);
-  EXPECT_EQ(int128_t(-7) % 2, -1);
   for (auto divide : {+[] { (void)(uint128_t(1) / 0); }, +[] { (void)(uint128_t(1) % 0); },
                       +[] { (void)(int128_t(1) / 0); }, +[] { (void)(int128_t(1) % 0); }})
     EXPECT_THAT(divide, ThrowsMessage<std::domain_error>(StrEq("Error: division or modulus by 0")));
-}
-
-TEST(Int128, Text) {
-  EXPECT_EQ(uint128_t(255).str(16, 0), "ff");
-  EXPECT_EQ(uint128_t(5).str(2, 8), "00000101");
-  EXPECT_EQ(std::numeric_limits<uint128_t>::max().str(10, 0), "340282366920938463463374607431768211455");
+  // Signed text pads in front of the sign.
   EXPECT_EQ(int128_t(-5).str(10, 4), "00-5");
-  EXPECT_EQ(std::numeric_limits<int128_t>::min().str(10, 0), "-170141183460469231731687303715884105728");
+  EXPECT_EQ(min.str(10, 0), "-170141183460469231731687303715884105728");
   for (std::uint8_t base : {0, 1, 17})
     EXPECT_THAT([&] { uint128_t(5).str(base, 0); },
                 ThrowsMessage<std::invalid_argument>(StrEq("Base must be in the range [2, 16]")));

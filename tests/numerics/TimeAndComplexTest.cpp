@@ -25,15 +25,6 @@ TEST(Time, TimestampCountsFromTheSystemEpoch) {
   EXPECT_EQ(std::chrono::time_point_cast<std::chrono::system_clock::duration>(Timestamp(now)), now);
 }
 
-TEST(Time, SplitIntoSecondsAndSubseconds) {
-  int128_t const unit(0, 0x38D7EA4C68000);
-  int128_t const count = Duration(std::chrono::milliseconds(1500)).count();
-  EXPECT_EQ(static_cast<std::int64_t>(count / unit), 1);
-  EXPECT_EQ(count - count / unit * unit, 500000000000000);
-  // Truncation toward zero leaves a negative remainder for the caller to fold.
-  EXPECT_EQ(-count % unit, -500000000000000);
-}
-
 TEST(Complex, TwoPartsStoredDensely) {
   Complex<bool> const flags[3] = {{true, false}, {}, {false, true}};
   EXPECT_EQ(sizeof flags, 6u);

@@ -1,14 +1,16 @@
 #include <VantraCore/VxStringView.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 #include <functional>
 #include <string_view>
-#include <vector>
 
 using Tarvex::VantraCore::VxStringLiteral;
 using Tarvex::VantraCore::VxStringView;
+using testing::StrEq;
+using testing::ThrowsMessage;
 
 namespace {
 constexpr auto npos = VxStringView::npos;
@@ -31,24 +33,17 @@ TEST(VxStringView, NullEmbeddedNulAndLiteral) {
 TEST(VxStringView, RangeChecksThrowAndLeaveTheViewAlone) {
   char const text[] = "hello";
   VxStringView const view(text, 5);
-  EXPECT_THROW(view.at(5), std::out_of_range);
   EXPECT_TRUE(view.substr(5).empty());
   EXPECT_EQ(view.substr(1, 3).data(), text + 1);
   char out[4] = "xxx";
   EXPECT_EQ(view.copy(out, 2, 3), 2u);
   EXPECT_STREQ(out, "lox");  // no NUL appended
   EXPECT_EQ(view.compare(1, 2, VxStringView("xelx"), 1, 2), 0);
-  std::vector<std::function<void()>> const outOfRange{
-      [&] { view.substr(6); }, [&] { view.copy(out, 1, 6); },
+  std::function<void()> const outOfRange[] = {
+      [&] { view.at(5); }, [&] { view.substr(6); }, [&] { view.copy(out, 1, 6); },
       [&] { view.compare(9, 1, VxStringView("ab"), 3, 1); }};  // the other side is checked first
-  for (auto const &call : outOfRange) {
-    try {
-      call();
-      ADD_FAILURE() << "no exception";
-    } catch (std::out_of_range const &e) {
-      EXPECT_STREQ(e.what(), "VxStringView range error");
-    }
-  }
+  for (auto const &call : outOfRange)
+    EXPECT_THAT(call, ThrowsMessage<std::out_of_range>(StrEq("VxStringView range error")));
 }
 
 // Apart from the error text, searches and ordering behave as the standard view, edge cases included.

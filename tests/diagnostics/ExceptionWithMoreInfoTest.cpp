@@ -1,0 +1,168 @@
+#include <VantraCore/ExceptionReporter.h>
+#include <VantraCore/ExceptionWithMoreInfo.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <typeinfo>
+
+using namespace Tarvex::VantraCore::Experimental;
+using testing::ElementsAre;
+using testing::Throws;
+using testing::ThrowsMessage;
+
+namespace {
+
+// What arrives after `thrown` passes through rethrowMessage(info).
+std::exception_ptr withContext(std::exception_ptr thrown, std::string const &info) {
+  try {
+    try {
+      std::rethrow_exception(thrown);
+    } catch (...) {
+      rethrowMessage(info);
+    }
+  } catch (...) {
+    return std::current_exception();
+  }
+  return nullptr;
+}
+
+// `original` must arrive as exactly ExceptionWithMoreInfo<Expected> (no class derives from it),
+// with the context in front of its own text.
+template <class Expected, class E>
+void expectEnrichedAs(E const &original) {
+  auto const arrived = withContext(std::make_exception_ptr(original), "ctx");
+  EXPECT_THAT([&] { std::rethrow_exception(arrived); },
+              ThrowsMessage<ExceptionWithMoreInfo<Expected>>("ctx: " + std::string(original.what())))
+      << typeid(Expected).name();
+}
+
+struct HostRuntimeError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+struct HostException : std::exception {};
+
+std::string messageOf(std::exception_ptr thrown) {
+  try {
+    std::rethrow_exception(thrown);
+  } catch (...) {
+    return getExceptionMessage("", "");
+  }
+}
+
+}  // namespace
+
+TEST(AddInfo, PutsNewContextFirstUnlessAlreadyThere) {
+  EXPECT_EQ(addInfo("a", "b"), "a: b");
+  EXPECT_EQ(addInfo("a", "a: b"), "a: b");
+  EXPECT_EQ(addInfo("a", "ab"), "ab");  // a prefix, not a whole segment
+  EXPECT_EQ(addInfo("", "x"), "x");
+  EXPECT_EQ(addInfo("x", ""), "x: ");
+  EXPECT_EQ(errorMessages("x", "before", "after"), "before\nx\nafter");
+  EXPECT_EQ(errorMessages("x", "", "after"), "x\nafter");
+}
+
+TEST(MoreInfoForException, KeepsEveryMessageButShowsRepeatedContextOnce) {
+  MoreInfoForException info("ctx", "base");
+  info.addMessage("ctx");
+  info.addMessage("outer");
+  EXPECT_EQ(info.fullMessage(), "outer: ctx: base");
+  EXPECT_THAT(info.getMessages(), ElementsAre("base", "ctx", "ctx", "outer"));
+}
+
+TEST(RethrowMessage, KeepsTheMostDerivedStandardType) {
+  expectEnrichedAs<std::out_of_range>(std::out_of_range("gone"));
+  expectEnrichedAs<std::invalid_argument>(std::invalid_argument("bad"));
+  expectEnrichedAs<std::logic_error>(std::logic_error("misuse"));
+  expectEnrichedAs<std::underflow_error>(std::underflow_error("tiny"));
+  expectEnrichedAs<std::regex_error>(std::regex_error(std::regex_constants::error_paren));
+  // A failure is also a system_error, and bad_array_new_length a bad_alloc.
+  expectEnrichedAs<std::ios_base::failure>(std::ios_base::failure("stream"));
+  expectEnrichedAs<std::bad_array_new_length>(std::bad_array_new_length());
+  expectEnrichedAs<std::bad_alloc>(std::bad_alloc());
+  expectEnrichedAs<std::bad_cast>(std::bad_cast());
+  // The host's own classes become their nearest listed base.
+  expectEnrichedAs<std::runtime_error>(HostRuntimeError("own"));
+  expectEnrichedAs<std::exception>(HostException());
+
+  auto const denied = std::system_error(std::make_error_code(std::errc::permission_denied), "open");
+  try {
+    std::rethrow_exception(withContext(std::make_exception_ptr(denied), "ctx"));
+  } catch (std::system_error const &e) {
+    EXPECT_EQ(e.code(), std::errc::permission_denied);
+  }
+}
+
+TEST(RethrowMessage, EnrichesAnEnrichedExceptionInPlaceAndLeavesOthersAlone) {
+  auto const once = withContext(std::make_exception_ptr(std::domain_error("zero")), "inner");
+  EXPECT_EQ(messageOf(once), "inner: zero");
+  try {
+    std::rethrow_exception(withContext(once, "outer"));
+  } catch (ExceptionWithMoreInfo<std::domain_error> const &e) {  // the library's own type, in the host
+    EXPECT_STREQ(e.what(), "outer: inner: zero");
+    EXPECT_THAT(e.getMessages(), ElementsAre("zero", "inner", "outer"));
+  }
+  EXPECT_THAT([] { std::rethrow_exception(withContext(std::make_exception_ptr(42), "ctx")); }, Throws<int>());
+}
+
+TEST(RoundingErrors, ThrowRangeErrors) {
+  EXPECT_THAT([] { throwRoundError(); },
+              ThrowsMessage<std::range_error>(
+                  "Overflow occured while rounding double precision value to 32-bit integer"));
+  EXPECT_THAT([] { throwTruncateError(); },
+              ThrowsMessage<std::range_error>(
+                  "Overflow occured while truncating double precision value to 32-bit integer"));
+}
+
+namespace {
+
+struct HostError {
+  std::string text;
+};
+
+// Knows HostError, which is no standard exception, and tags what it gives with its own name.
+class HostHandler : public ExceptionHandlerBase {
+ public:
+  explicit HostHandler(std::string tag) : m_tag(std::move(tag)) {}
+
+  void rethrowWithMessage(std::string const &info) override {
+    try {
+      throw;
+    } catch (HostError const &e) {
+      throw HostError{m_tag + ":" + addInfo(info, e.text)};
+    } catch (...) {
+    }
+  }
+  std::string describeCurrentException() override {
+    try {
+      throw;
+    } catch (HostError const &e) {
+      return m_tag + ":" + e.text;
+    } catch (...) {
+      return std::string();
+    }
+  }
+
+ private:
+  std::string m_tag;
+};
+
+}  // namespace
+
+TEST(ExceptionHandlers, NewestRegisteredHandlerSpeaksFirst) {
+  auto const hostError = std::make_exception_ptr(HostError{"e"});
+  {
+    HostHandler older("older");
+    {
+      HostHandler newer("newer");
+      HostHandler unregistered(older);  // copies are not registered
+      EXPECT_EQ(messageOf(hostError), "newer:e");
+      EXPECT_THAT([&] { std::rethrow_exception(withContext(hostError, "ctx")); },
+                  Throws<HostError>(testing::Field(&HostError::text, "newer:ctx: e")));
+      // What no handler knows keeps its own text and type.
+      expectEnrichedAs<std::length_error>(std::length_error("long"));
+    }
+    EXPECT_EQ(messageOf(hostError), "older:e");
+  }
+  EXPECT_EQ(messageOf(hostError), "Unknown exception encountered.");
+}
