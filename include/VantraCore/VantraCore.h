@@ -8,12 +8,15 @@
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/FileOperations.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
+#include <VantraCore/Path.h>
 #include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/VariantCApi.h>
