@@ -37,6 +37,13 @@ struct VxVariantDataSharable {
 template <class Storage>
 struct VxVariantStorage;
 
+template <class... Kinds>
+constexpr bool copiedByBytesButStrings(TypeList<Kinds...>) {
+  return ((std::is_trivially_copyable_v<Kinds> || std::is_same_v<Kinds, VxString>)&&...);
+}
+static_assert(copiedByBytesButStrings(ElementKinds{}),
+              "an in-place scalar but a string is copied by its bytes");
+
 // Inside one module: virtual calls, and scalars standing in the variant's own buffer.
 template <>
 struct VxVariantStorage<VxVariantDirectStorage> {
@@ -66,23 +73,37 @@ struct VxVariantStorage<VxVariantDirectStorage> {
     return constructVariantDataFromMovedVector<T>(std::move(values), dims, ordering);
   }
 
-  // An in-place scalar is never shared: the copy is a second in-place holder.
-  static void initCopy(VxVariantDirectStorage &to, VxVariantDirectStorage const &from) {
-    if (inPlace(from)) {
-      to.data = copyConstructVariantScalar(to.buffer, sizeof to.buffer, from);
-      return;
+  // An in-place holder keeps no pointer into itself, so its bytes alone make it anew. They go one
+  // word at a time: the holder's fields were just stored one by one, and a wider load would stall
+  // until they reach memory.
+  static void copyInPlace(VxVariantDirectStorage &to, VxVariantDirectStorage const &from) noexcept {
+    for (std::size_t offset = 0; offset < sizeof to.buffer; offset += sizeof(std::uint64_t)) {
+      std::uint64_t word;
+      std::memcpy(&word, from.buffer + offset, sizeof word);
+#if defined(__GNUC__)
+      asm("" : "+r"(word));  // keeps the words from being merged into wider loads
+#endif
+      std::memcpy(to.buffer + offset, &word, sizeof word);
     }
-    if (from.data != nullptr) from.data->copy();
-    to.data = from.data;
+    to.data = reinterpret_cast<IVariantData *>(to.buffer);
   }
-  // An in-place holder keeps no pointer into itself, so its bytes alone make it anew.
-  static void initMove(VxVariantDirectStorage &to, VxVariantDirectStorage &from) noexcept {
-    if (inPlace(from)) {
-      std::memcpy(to.buffer, from.buffer, sizeof to.buffer);
-      to.data = reinterpret_cast<IVariantData *>(to.buffer);
-    } else {
+  // An in-place scalar is never shared: the copy is a second in-place holder. Its bytes make one for
+  // every kind but the string, which must count its record once more.
+  static void initCopy(VxVariantDirectStorage &to, VxVariantDirectStorage const &from) {
+    if (!inPlace(from)) {
+      if (from.data != nullptr) from.data->copy();
       to.data = from.data;
+    } else if (from.data->wellKnownDataType() == WellKnownTypeValue::typeString) {
+      to.data = copyConstructVariantScalar(to.buffer, sizeof to.buffer, from);
+    } else {
+      copyInPlace(to, from);
     }
+  }
+  static void initMove(VxVariantDirectStorage &to, VxVariantDirectStorage &from) noexcept {
+    if (inPlace(from))
+      copyInPlace(to, from);
+    else
+      to.data = from.data;
     from.data = nullptr;
   }
   static void release(VxVariantDirectStorage &storage) noexcept {
@@ -92,19 +113,31 @@ struct VxVariantStorage<VxVariantDirectStorage> {
       storage.data->destruct();
   }
 
-  static WellKnownType kind(IVariantData const *holder) { return holder->wellKnownDataType(); }
-  static ArrayDimensionsView dimensions(IVariantData const *holder) { return holder->dimensions(); }
-  static DataOrdering ordering(IVariantData const *holder) { return holder->dataOrdering(); }
-  static bool isScalarStorage(IVariantData const *holder) { return holder->isScalarStorage(); }
+  static WellKnownType kind(IVariantData const *holder) {
+    return holder->wellKnownDataType();
+  }
+  static ArrayDimensionsView dimensions(IVariantData const *holder) {
+    return holder->dimensions();
+  }
+  static DataOrdering ordering(IVariantData const *holder) {
+    return holder->dataOrdering();
+  }
+  static bool isScalarStorage(IVariantData const *holder) {
+    return holder->isScalarStorage();
+  }
   static bool hasCustomTag(IVariantData const *holder, void const *tag) {
     return holder->customTypeTag() == tag;
   }
-  static void const *constStoredData(IVariantData const *holder) { return holder->constStoredData(); }
+  static void const *constStoredData(IVariantData const *holder) {
+    return holder->constStoredData();
+  }
   static void *mutableStoredData(IVariantData *&holder) {
     holder = holder->ensureUnique();
     return holder->mutableStoredData();
   }
-  static bool identical(IVariantData const *a, IVariantData const *b) { return isIdenticalTo(*a, *b); }
+  static bool identical(IVariantData const *a, IVariantData const *b) {
+    return isIdenticalTo(*a, *b);
+  }
   static bool equivalent(IVariantData const *a, IVariantData const *b, ConversionPolicy policy) {
     return isEquivalentTo(*a, *b, policy);
   }
@@ -114,7 +147,9 @@ struct VxVariantStorage<VxVariantDirectStorage> {
   static IVariantData *reorder(IVariantData const *holder, DataOrdering ordering) {
     return holder->reorderData(ordering);
   }
-  static void reshape(IVariantData *holder, ArrayDimensionsView dims) { holder->reshapeNoRealloc(dims); }
+  static void reshape(IVariantData *holder, ArrayDimensionsView dims) {
+    holder->reshapeNoRealloc(dims);
+  }
 };
 
 // Between modules: no virtual call, every question one C function, and what failed behind it thrown
