@@ -13,56 +13,50 @@ using testing::ThrowsMessage;
 
 namespace {
 
-// What arrives after `thrown` passes through rethrowMessage(info).
-std::exception_ptr withContext(std::exception_ptr thrown, std::string const &info) {
-  try {
+// Throws `thrown` up through one rethrowMessage for each context, innermost first.
+[[noreturn]] void throwThrough(std::exception_ptr thrown, std::vector<std::string> const &contexts) {
+  for (std::string const &context : contexts) {
     try {
-      std::rethrow_exception(thrown);
+      try {
+        std::rethrow_exception(thrown);
+      } catch (...) {
+        rethrowMessage(context);
+      }
     } catch (...) {
-      rethrowMessage(info);
+      thrown = std::current_exception();
     }
-  } catch (...) {
-    return std::current_exception();
   }
-  return nullptr;
+  std::rethrow_exception(thrown);
+}
+
+std::string messageOf(std::exception_ptr const &thrown, std::vector<std::string> const &contexts = {}) {
+  try {
+    throwThrough(thrown, contexts);
+  } catch (...) {
+    return getExceptionMessage("", "");
+  }
 }
 
 // `original` must arrive as exactly ExceptionWithMoreInfo<Expected> (no class derives from it),
 // with the context in front of its own text.
 template <class Expected, class E>
 void expectEnrichedAs(E const &original) {
-  auto const arrived = withContext(std::make_exception_ptr(original), "ctx");
-  EXPECT_THAT([&] { std::rethrow_exception(arrived); },
+  EXPECT_THAT([&] { throwThrough(std::make_exception_ptr(original), {"ctx"}); },
               ThrowsMessage<ExceptionWithMoreInfo<Expected>>("ctx: " + std::string(original.what())))
       << typeid(Expected).name();
 }
 
-struct HostRuntimeError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
-struct HostException : std::exception {};
-
-std::string messageOf(std::exception_ptr thrown) {
-  try {
-    std::rethrow_exception(thrown);
-  } catch (...) {
-    return getExceptionMessage("", "");
-  }
-}
-
 }  // namespace
 
-TEST(AddInfo, PutsNewContextFirstUnlessAlreadyThere) {
+TEST(AddInfo, PutsNewContextFirstAndShowsRepeatedContextOnce) {
   EXPECT_EQ(addInfo("a", "b"), "a: b");
   EXPECT_EQ(addInfo("a", "a: b"), "a: b");
   EXPECT_EQ(addInfo("a", "ab"), "ab");  // a prefix, not a whole segment
   EXPECT_EQ(addInfo("", "x"), "x");
   EXPECT_EQ(addInfo("x", ""), "x: ");
-  EXPECT_EQ(errorMessages("x", "before", "after"), "before\nx\nafter");
-  EXPECT_EQ(errorMessages("x", "", "after"), "x\nafter");
-}
+  EXPECT_EQ(errorMessages("x", "", "after"), "x\nafter");  // both sides framed: the default reporter test
 
-TEST(MoreInfoForException, KeepsEveryMessageButShowsRepeatedContextOnce) {
+  // Every message is kept, but repeated context shows once.
   MoreInfoForException info("ctx", "base");
   info.addMessage("ctx");
   info.addMessage("outer");
@@ -71,6 +65,10 @@ TEST(MoreInfoForException, KeepsEveryMessageButShowsRepeatedContextOnce) {
 }
 
 TEST(RethrowMessage, KeepsTheMostDerivedStandardType) {
+  struct HostRuntimeError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+  };
+  struct HostException : std::exception {};
   expectEnrichedAs<std::out_of_range>(std::out_of_range("gone"));
   expectEnrichedAs<std::invalid_argument>(std::invalid_argument("bad"));
   expectEnrichedAs<std::logic_error>(std::logic_error("misuse"));
@@ -86,23 +84,20 @@ TEST(RethrowMessage, KeepsTheMostDerivedStandardType) {
   expectEnrichedAs<std::exception>(HostException());
 
   auto const denied = std::system_error(std::make_error_code(std::errc::permission_denied), "open");
-  try {
-    std::rethrow_exception(withContext(std::make_exception_ptr(denied), "ctx"));
-  } catch (std::system_error const &e) {
-    EXPECT_EQ(e.code(), std::errc::permission_denied);
-  }
+  EXPECT_THAT([&] { throwThrough(std::make_exception_ptr(denied), {"ctx"}); },
+              Throws<std::system_error>(testing::Property(&std::system_error::code, denied.code())));
 }
 
 TEST(RethrowMessage, EnrichesAnEnrichedExceptionInPlaceAndLeavesOthersAlone) {
-  auto const once = withContext(std::make_exception_ptr(std::domain_error("zero")), "inner");
-  EXPECT_EQ(messageOf(once), "inner: zero");
+  auto const zero = std::make_exception_ptr(std::domain_error("zero"));
+  EXPECT_EQ(messageOf(zero, {"inner"}), "inner: zero");
   try {
-    std::rethrow_exception(withContext(once, "outer"));
+    throwThrough(zero, {"inner", "outer"});
   } catch (ExceptionWithMoreInfo<std::domain_error> const &e) {  // the library's own type, in the host
     EXPECT_STREQ(e.what(), "outer: inner: zero");
     EXPECT_THAT(e.getMessages(), ElementsAre("zero", "inner", "outer"));
   }
-  EXPECT_THAT([] { std::rethrow_exception(withContext(std::make_exception_ptr(42), "ctx")); }, Throws<int>());
+  EXPECT_THAT([] { throwThrough(std::make_exception_ptr(42), {"ctx"}); }, Throws<int>());
 }
 
 TEST(RoundingErrors, ThrowRangeErrors) {
@@ -121,30 +116,26 @@ struct HostError {
 };
 
 // Knows HostError, which is no standard exception, and tags what it gives with its own name.
-class HostHandler : public ExceptionHandlerBase {
- public:
-  explicit HostHandler(std::string tag) : m_tag(std::move(tag)) {}
-
+struct HostHandler : ExceptionHandlerBase {
+  explicit HostHandler(std::string tag) : tag(std::move(tag)) {}
   void rethrowWithMessage(std::string const &info) override {
-    try {
-      throw;
-    } catch (HostError const &e) {
-      throw HostError{m_tag + ":" + addInfo(info, e.text)};
-    } catch (...) {
-    }
+    if (HostError const *e = inFlight()) throw HostError{tag + ":" + addInfo(info, e->text)};
   }
   std::string describeCurrentException() override {
+    HostError const *e = inFlight();
+    return e ? tag + ":" + e->text : std::string();
+  }
+  static HostError const *inFlight() {
     try {
       throw;
     } catch (HostError const &e) {
-      return m_tag + ":" + e.text;
+      return &e;  // alive as long as the caller's handler
     } catch (...) {
-      return std::string();
+      return nullptr;
     }
   }
 
- private:
-  std::string m_tag;
+  std::string tag;
 };
 
 }  // namespace
@@ -157,7 +148,7 @@ TEST(ExceptionHandlers, NewestRegisteredHandlerSpeaksFirst) {
       HostHandler newer("newer");
       HostHandler unregistered(older);  // copies are not registered
       EXPECT_EQ(messageOf(hostError), "newer:e");
-      EXPECT_THAT([&] { std::rethrow_exception(withContext(hostError, "ctx")); },
+      EXPECT_THAT([&] { throwThrough(hostError, {"ctx"}); },
                   Throws<HostError>(testing::Field(&HostError::text, "newer:ctx: e")));
       // What no handler knows keeps its own text and type.
       expectEnrichedAs<std::length_error>(std::length_error("long"));

@@ -27,7 +27,6 @@ TEST_F(FileOperations, Utf8NamesReachTheSystem) {
   EXPECT_EQ(mkdirUtf8(directory), 0);
   EXPECT_EQ(mkdirUtf8(directory), 0);
   EXPECT_EQ(mPathUtf8(directory + "\\x\\y"), 0);
-  EXPECT_EQ(mkdirUtf8(at("missing/x")), -1);
 
   VxString const file = directory + "/f";
   int const fd = openUtf8(file, O_CREAT | O_WRONLY, 0600);
@@ -46,7 +45,6 @@ TEST_F(FileOperations, Utf8NamesReachTheSystem) {
   EXPECT_EQ(rmdirUtf8(directory), -1);
   EXPECT_TRUE(std::filesystem::is_directory(m_directory.path() / "d\xC3\xA4"));
   EXPECT_EQ(renameUtf8(file, directory + "/g"), 0);
-  EXPECT_EQ(renameUtf8(file, directory + "/g"), -1);
   EXPECT_EQ(removeUtf8(directory + "/g"), 0);
 
   std::FILE *stream = freopenUtf8(at("out"), "w", std::tmpfile());

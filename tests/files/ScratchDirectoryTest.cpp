@@ -13,20 +13,17 @@ using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Experimental;
 
 // The process's one scratch system, set up by the first call: this is the only test that calls it.
+// Which entries its start reclaims, and its retry after a failed start, the internal tests pin.
 TEST(ScratchDirectory, NumberedDirectoriesBelowTheProcessDirectory) {
   TempDirectory const temporary;
-  std::ofstream(temporary / "file") << "x";
-  ScopedEnvironment redirect("TMPDIR", (temporary / "file").c_str());
-  setScratchDirectoryAppName("analyzer", "");
-  EXPECT_THROW(makeUniqueScratchDirectory("x"), std::filesystem::filesystem_error);
-
-  ScopedEnvironment const retry("TMPDIR", temporary.path().c_str());
-  for (char const *entry : {"-5", "0", "abc", "123abc"})
-    std::filesystem::create_directories(temporary.path() / "analyzer" / entry);
+  ScopedEnvironment const redirect("TMPDIR", temporary.path().c_str());
+  std::filesystem::create_directories(temporary / "analyzer/-5");
   std::ofstream(temporary / "analyzer/-5/inside") << "x";
+  setScratchDirectoryAppName("analyzer", "");
 
   std::string const process = temporary / ("analyzer/" + std::to_string(::getpid()));
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x"));
+  EXPECT_FALSE(std::filesystem::exists(temporary / "analyzer/-5"));
   setScratchDirectoryAppName("other", "");
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x1"));
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x2"));
@@ -34,19 +31,10 @@ TEST(ScratchDirectory, NumberedDirectoriesBelowTheProcessDirectory) {
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x1"));
   EXPECT_EQ(makeUniqueScratchDirectory("").generic(), VxString(process + "/1"));
   EXPECT_TRUE(std::filesystem::is_directory(process + "/x2"));
-
-  try {
-    makeUniqueScratchDirectory("p/q");
-    ADD_FAILURE() << "no error";
-  } catch (std::runtime_error const &error) {
-    std::string const expected =
-        "Failed to create directory \"" + Path(process + "/p/q").string().toStdString() + "\".";
-    EXPECT_EQ(error.what(), expected);
-  }
-  EXPECT_THROW(makeUniqueScratchDirectory("\xFF"), std::filesystem::filesystem_error);
-
-  EXPECT_FALSE(std::filesystem::exists(temporary / "analyzer/-5"));
-  for (char const *survivor : {"0", "abc", "123abc"})
-    EXPECT_TRUE(std::filesystem::exists(temporary.path() / "analyzer" / survivor));
   EXPECT_FALSE(std::filesystem::exists(temporary / "other"));
+
+  EXPECT_THAT([&] { makeUniqueScratchDirectory("p/q"); },
+              testing::ThrowsMessage<std::runtime_error>(
+                  "Failed to create directory \"" + Path(process + "/p/q").string().toStdString() + "\"."));
+  EXPECT_THROW(makeUniqueScratchDirectory("\xFF"), std::filesystem::filesystem_error);
 }

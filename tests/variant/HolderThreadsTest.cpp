@@ -48,7 +48,9 @@ void shareWhileOneWrites(IVariantData *shared) {
   EXPECT_EQ(text(writer), "written");
   EXPECT_EQ(text(shared), original);
   writer->destruct();
-  shared->destruct();
+  IVariantData *const last = shared->ensureUnique();
+  EXPECT_EQ(last, shared) << "a reader kept a reference";
+  last->destruct();
 }
 
 }  // namespace

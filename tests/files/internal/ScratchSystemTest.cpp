@@ -43,13 +43,10 @@ TEST(ScratchSystem, RootNames) {
     EXPECT_EQ(Internal::makeScratchRoot(name, "").generic(), VxString(temporary / "Scratch")) << name;
   }
   std::ofstream(temporary / "file") << "x";
-  try {
-    Internal::makeScratchRoot("file", "");
-    ADD_FAILURE() << "no error";
-  } catch (std::runtime_error const &error) {
-    EXPECT_EQ(error.what(),
-              "Couldn't create directories for \"" + Path(temporary / "file").string().toStdString() + "\".");
-  }
+  EXPECT_THAT(
+      [] { Internal::makeScratchRoot("file", ""); },
+      testing::ThrowsMessage<std::runtime_error>("Couldn't create directories for \"" +
+                                                 Path(temporary / "file").string().toStdString() + "\"."));
 }
 
 TEST(ScratchSystem, FailedStartIsRetried) {
