@@ -1,12 +1,12 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ScalarVariantData.h>
+#include <numerics/ElementConversion.h>
 #include <variant/ArrayHolders.h>
 #include <variant/HolderReference.h>
 #include <variant/VariantConversion.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
 
 namespace Tarvex::VantraCore::Internal {
 
@@ -31,16 +31,13 @@ HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions,
 
 IVariantData *convertVariantData(ConversionSource const &source, ConvertedHolder form, WellKnownType target,
                                  ConversionPolicy policy) {
-  (void)policy;
   return dispatchWellKnownType(target, [&](auto tag) -> IVariantData * {
     using U = typename decltype(tag)::type;
     if (source.kind == WellKnownType()) return makeTarget<U>(form, {}, rowMajor, 0).release();
-    // Between different kinds the element conversion decides; until it exists every such pair refuses.
-    if (source.kind != target) return nullptr;
+    ElementConverter const convert = elementConverter(source.kind, target);
     HolderReference result = makeTarget<U>(form, source.dimensions, source.ordering, source.count);
     std::uint64_t const count = std::min(source.count, result->numberAllocatedElements());
-    std::copy_n(static_cast<U const *>(source.data), count, static_cast<U *>(result->mutableStoredData()));
-    return result.release();
+    return convert(source.data, result->mutableStoredData(), count, policy) ? result.release() : nullptr;
   });
 }
 

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <VantraCore/WellKnownType.h>
+
+#include <cstdint>
+
+namespace Tarvex::VantraCore::Internal {
+
+// Converts the run of `count` elements at `source` into the run at `target`, whose elements are
+// already constructed and default-valued (zero, empty strings, zero times). False when the policy
+// refuses the pair or an element; a lossless run then stops at the first element that fails the test,
+// with that element and the ones before it stored and the rest left default.
+using ElementConverter = bool (*)(void const *source, void *target, std::uint64_t count,
+                                  ConversionPolicy policy);
+
+// The converter of the ordered pair (source kind, target kind). Selects on the source kind and then on
+// the target kind, each in the fixed order of the kind dispatch: a code with a numeric base that names
+// no kind throws std::runtime_error "not a numeric type", any other unknown code (customType and none
+// among them) "unknown type".
+ElementConverter elementConverter(WellKnownType source, WellKnownType target);
+
+}  // namespace Tarvex::VantraCore::Internal
