@@ -50,7 +50,7 @@ TYPED_TEST(Variant, NullScalarsAndElementAccess) {
   TypeParam const target = std::move(moved);
   EXPECT_THAT([&] { moved.isNull(); }, throws<std::invalid_argument>("VxVariant data is null"));
   moved = number;
-  EXPECT_EQ(moved.template get<std::int32_t>(), 7);
+  EXPECT_EQ(moved.template get<double>(conversionCast), 7) << "converted, where at<double> refuses";
 }
 
 TYPED_TEST(Variant, ArrayShapesAgreeAcrossFlavours) {
@@ -88,6 +88,8 @@ TYPED_TEST(Variant, ConversionsAndTheirMessage) {
               throws<std::runtime_error>(
                   TestFixture::refusal(" of type 'double' (size: 5) to 'Tarvex::VantraCore::Timestamp'")));
   EXPECT_TRUE(five.tryConvertTo(wellKnownTypeOf<Timestamp>()).isNull());
+  EXPECT_TRUE(TypeParam(0.5).tryConvertTo(wellKnownTypeOf<std::int32_t>()).isNull()) << "lossless refuses";
+  EXPECT_EQ(five.convertTo(wellKnownTypeOf<std::int8_t>()).template at<std::int8_t>(4), 5);
   EXPECT_TRUE(null.convertTo(wellKnownTypeOf<float>()).template isType<float>());
   EXPECT_THAT([&] { null.template get<double>(); }, throws<std::runtime_error>("unknown type"));
   EXPECT_EQ(TypeParam(std::vector<double>{4}, {1, 1, 1}).template get<double>(), 4);
@@ -104,6 +106,8 @@ TYPED_TEST(Variant, IterationSharesTheHolder) {
               null.template asIterable<double>(conversionCast).empty());
   EXPECT_THAT([&] { ints.template asIterable<double>(); },
               throws<std::runtime_error>("Data type mismatch, cannot provide iterable container"));
+  auto const converted = ints.template asIterable<double>(conversionLossless);
+  EXPECT_EQ(std::vector<double>(converted.begin(), converted.end()), (std::vector<double>{1, 2}));
   using Range = typename TypeParam::template Iterable<double>;
   auto original = std::make_unique<Range>(TypeParam(2.5).template asIterable<double>());
   Range const copy = *original;
