@@ -1,5 +1,5 @@
 // A short walk through what VantraCore offers so far: shared strings, interned names, text
-// utilities, 128-bit integers, femtosecond time values, element kinds and array indexing.
+// utilities, 128-bit integers, femtosecond time values, element kinds, array indexing and variants.
 #include <VantraCore/VantraCore.h>
 
 #include <chrono>
@@ -54,5 +54,14 @@ int main() {
             << ArrayIndexing::calculateOffsetRowMajor(at, ArrayDimensionsView(dims), true) << " row-major, "
             << ArrayIndexing::calculateOffsetColumnMajor(at, ArrayDimensionsView(dims), true)
             << " column-major\n";
+
+  // A variant holds a scalar or an array of any element kind; loops read its block in place.
+  VxVariant const counts(std::vector<std::int32_t>{3, 1, 4, 1, 5, 9}, {2, 3});
+  double sum = 0;
+  for (double x : counts.asIterable<double>(conversionLossless))  // converted once, then read in place
+    sum += x;
+  VxVariant const scaled = counts.convertTo(wellKnownTypeOf<float>());
+  std::cout << "variant:    2x3 int32 sums to " << sum << "; as float, element 5 is " << scaled.at<float>(5)
+            << '\n';
   return 0;
 }

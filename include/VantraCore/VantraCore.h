@@ -23,4 +23,5 @@
 #include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
+#include <VantraCore/VxVariant.h>
 #include <VantraCore/WellKnownType.h>
