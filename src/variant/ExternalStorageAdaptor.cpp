@@ -99,10 +99,12 @@ IVariantData *ExternalVariantStorageAdaptor::reorderData(DataOrdering ordering) 
 }
 
 void ExternalVariantStorageAdaptor::reshapeNoRealloc(ArrayDimensionsView dims) {
-  if (m_storage != nullptr)
-    m_storage->reshapeNoRealloc(dims);
-  else
-    m_detachedData->reshapeNoRealloc(dims);
+  if (m_storage != nullptr) return m_storage->reshapeNoRealloc(dims);
+  // The private copy is never shared, so the adaptor's own count decides.
+  ArrayHolderDetail::requireSizes(dims);
+  if (m_count.load() != 1 && !ArrayHolderDetail::sameDimensions(dims, m_detachedData->dimensions()))
+    ArrayHolderDetail::throwSharedReshape();
+  m_detachedData->reshapeNoRealloc(dims);
 }
 
 IVariantData *ExternalVariantStorageAdaptor::reshapeToVxVariant(IVariantData const *source,

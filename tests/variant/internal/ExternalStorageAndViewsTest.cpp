@@ -111,6 +111,7 @@ TEST(ExternalStorage, DetachKeepsSharingVariantsWorkingWithoutRelease) {
   EXPECT_THAT(elementsOf<double>(*reordered), ElementsAre(1, 3, 5, 2, 4, 6));
   HolderReference same(first->reorderData(rowMajor));
   EXPECT_EQ(same.get(), first.get());
+  EXPECT_THROW(first->reshapeNoRealloc(Dims{6}), std::runtime_error);  // still shared after detaching
 }
 
 TEST(TransmuteViews, ComplexToRealDoublesTheFastestDimension) {
