@@ -15,6 +15,8 @@
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
+#include <VantraCore/PropertyNode.h>
+#include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
