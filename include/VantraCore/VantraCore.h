@@ -2,6 +2,7 @@
 
 // Everything public of VantraCore in one include.
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/ArraySlice.h>
 #include <VantraCore/Complex.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionReporter.h>
@@ -16,6 +17,8 @@
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
+#include <VantraCore/PropertyNode.h>
+#include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
