@@ -9,6 +9,7 @@
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/ExternalVariantStorage.h>
 #include <VantraCore/FileOperations.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
@@ -22,6 +23,7 @@
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
+#include <VantraCore/TransmuteVariant.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>

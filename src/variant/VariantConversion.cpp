@@ -41,4 +41,10 @@ IVariantData *convertVariantData(ConversionSource const &source, ConvertedHolder
   });
 }
 
+IVariantData *convertStoredElements(ConversionSource const &source, WellKnownType target,
+                                    ConversionPolicy policy) {
+  if (source.kind == WellKnownType()) throwUnknownType();
+  return convertVariantData(source, ConvertedHolder::vector, target, policy);
+}
+
 }  // namespace Tarvex::VantraCore::Internal

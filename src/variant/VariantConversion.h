@@ -30,4 +30,10 @@ enum class ConvertedHolder {
 IVariantData *convertVariantData(ConversionSource const &source, ConvertedHolder form, WellKnownType target,
                                  ConversionPolicy policy);
 
+// The same for a block that no holder of the library stores, such as a client's external storage:
+// a VectorVariantData<U> with the block's shape and ordering, or null on a refusal. The block must
+// name an element kind: kind 0 throws std::runtime_error "unknown type".
+IVariantData *convertStoredElements(ConversionSource const &source, WellKnownType target,
+                                    ConversionPolicy policy);
+
 }  // namespace Tarvex::VantraCore::Internal
