@@ -8,6 +8,7 @@
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/FileOperations.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
