@@ -17,6 +17,7 @@
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
+#include <VantraCore/PropertyObject.h>
 #include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
