@@ -127,7 +127,11 @@ struct FPropertyMapData {
 
 // The payload first and the kind behind it; only ever made const, in one block with its counts.
 struct FPropertyNodeImpl {
-  explicit FPropertyNodeImpl(VxVariant value) : kind(PropertyNodeKind::Value) {
+  // Freezing copies straight into the payload: no temporary variant to move from and release.
+  explicit FPropertyNodeImpl(VxVariant const &value) : kind(PropertyNodeKind::Value) {
+    new (&payload.value) VxVariant(value);
+  }
+  explicit FPropertyNodeImpl(VxVariant &&value) : kind(PropertyNodeKind::Value) {
     new (&payload.value) VxVariant(std::move(value));
   }
   explicit FPropertyNodeImpl(FPropertyList list) : kind(PropertyNodeKind::List) {
