@@ -2,6 +2,7 @@
 
 // Everything public of VantraCore in one include.
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/ArraySlice.h>
 #include <VantraCore/Complex.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionReporter.h>

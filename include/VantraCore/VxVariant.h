@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/ArraySlice.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/IVariantData.h>
@@ -428,6 +429,28 @@ class VxVariantGeneric {
   VxVariantGeneric reordered(DataOrdering ordering) const {
     if (Ops::inPlace(m_storage)) return *this;
     return adoptHolder(Ops::reorder(holder(), ordering));
+  }
+
+  // The elements a slice selects, as an array of their own in this variant's ordering, enumerated in
+  // storage order. Throws std::invalid_argument "The given ArraySlice is invalid." for a null variant,
+  // else what Internal::SliceFlattener throws for the slice.
+  VxVariantGeneric slice(ArraySlice const &indices) const {
+    if (isNull()) throw std::invalid_argument("The given ArraySlice is invalid.");
+    ArrayDimensionsView const dims = dimensions();
+    DataOrdering const ordering = dataOrdering();
+    std::vector<std::vector<std::uint64_t>> terms = Internal::expandArraySlice(indices, dims);
+    std::vector<std::uint64_t> shape;
+    for (auto const &positions : terms)
+      shape.push_back(positions.size());
+    Internal::scaleToStorageStrides(terms, dims, ordering);
+    return Internal::dispatchWellKnownType(wellKnownDataType(), [&](auto tag) {
+      using T = typename decltype(tag)::type;
+      VxVariantGeneric result = adoptHolder(Ops::template shaped<T>(shape, ordering));
+      if (Internal::sliceElementCount(terms) != 0)
+        Internal::copySliceElements(constStoredData<T>(), terms, ordering,
+                                    result.template mutableStoredData<T>());
+      return result;
+    });
   }
 
  private:
