@@ -10,6 +10,7 @@
 #include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
 #include <VantraCore/ExternalVariantStorage.h>
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/FileOperations.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
@@ -19,6 +20,7 @@
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
+#include <VantraCore/PropertyObject.h>
 #include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
