@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VantraCore/Export.h>
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxVariant.h>
@@ -35,6 +36,8 @@ class VANTRACORE_API JsonFormatter {
   }
   static VxString serialize(PropertyNode node, int indent = -1);
   static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(FPropertyNode node, int indent = -1);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
 
   // ---- reading ----
   // (deserialize declarations)

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace Tarvex::VantraCore {
 namespace {
@@ -146,33 +147,35 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
   out.endObject();
 }
 
-void writeNode(JsonTextWriter &out, PropertyNode const &node) {
+// Either tree, mutable or frozen: both walk alike and write the same document.
+template <class Node>
+void writeNode(JsonTextWriter &out, Node const &node) {
   switch (node.kind()) {
     case PropertyNodeKind::Value:
       return writeVariant(out, node.value());
     case PropertyNodeKind::List: {
-      PropertyList const &list = node.list();
+      auto const &list = node.list();
       if (list.empty()) return out.null();
       out.beginArray();
-      for (PropertyNode const &child : list)
+      for (Node const &child : list)
         writeNode(out, child);
       return out.endArray();
     }
     case PropertyNodeKind::Map: {
-      PropertyMap const &map = node.map();
+      auto const &map = node.map();
       if (map.empty()) return out.null();
       // Members in byte order of their keys, whatever the order of insertion.
-      std::vector<PropertyMapEntry const *> entries;
+      using Entry = std::remove_reference_t<decltype(*map.begin())>;
+      std::vector<Entry *> entries;
       entries.reserve(map.size());
-      for (PropertyMapEntry const &entry : map)
+      for (Entry &entry : map)
         entries.push_back(&entry);
-      auto const keyOf = [](PropertyMapEntry const *entry) {
+      auto const keyOf = [](Entry *entry) {
         return std::string_view(entry->key.data(), entry->key.length());
       };
-      std::sort(entries.begin(), entries.end(),
-                [&](auto const *a, auto const *b) { return keyOf(a) < keyOf(b); });
+      std::sort(entries.begin(), entries.end(), [&](Entry *a, Entry *b) { return keyOf(a) < keyOf(b); });
       out.beginObject();
-      for (PropertyMapEntry const *entry : entries) {
+      for (Entry *entry : entries) {
         out.key(keyOf(entry));
         writeNode(out, entry->node);
       }
@@ -221,6 +224,14 @@ VxString JsonFormatter::serialize(PropertyNode node, int indent) {
 }
 
 void JsonFormatter::serialize(PropertyNode node, std::ostream &out, int indent) {
+  toStream(out, indent, [&](JsonTextWriter &text) { writeNode(text, node); });
+}
+
+VxString JsonFormatter::serialize(FPropertyNode node, int indent) {
+  return toText(indent, [&](JsonTextWriter &out) { writeNode(out, node); });
+}
+
+void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent) {
   toStream(out, indent, [&](JsonTextWriter &text) { writeNode(text, node); });
 }
 

@@ -141,6 +141,10 @@ TEST(JsonFormatter, TreesSortKeysAndWriteEmptyContainersAsNull) {
   EXPECT_EQ(std::string(JsonFormatter::serialize(PropertyNode(map), -1).c_str()),
             R"({"B":[null,{"_data_":true,"_wellknowntype_":"bool"}],"_data_":null,"a":null,"b":null,)"
             "\"\xc3\xa9\":{\"_data_\":1,\"_wellknowntype_\":\"int8\"}}");
+  // A frozen tree writes the same document; the empty handle is null.
+  EXPECT_EQ(JsonFormatter::serialize(FPropertyNode(PropertyNode(map)), -1),
+            JsonFormatter::serialize(PropertyNode(map), -1));
+  EXPECT_EQ(std::string(JsonFormatter::serialize(FPropertyNode(), 2).c_str()), "null");
   EXPECT_EQ(std::string(JsonFormatter::serialize(PropertyNode(PropertyMap()), 2).c_str()), "null");
   EXPECT_EQ(std::string(JsonFormatter::serialize(PropertyNode(PropertyList{PropertyNode()}), 1).c_str()),
             "[\n null\n]");
