@@ -63,5 +63,13 @@ int main() {
   VxVariant const scaled = counts.convertTo(wellKnownTypeOf<float>());
   std::cout << "variant:    2x3 int32 sums to " << sum << "; as float, element 5 is " << scaled.at<float>(5)
             << '\n';
+
+  // Property trees hold variants under interned names; a frozen copy is shared read-only.
+  PropertyNode channelNode{PropertyMap()};
+  channelNode.set(InternedString("name"), label);
+  channelNode.set(InternedString("samples"), counts);
+  FPropertyNode const frozen(channelNode);
+  std::cout << "tree:       " << frozen.map().size() << " entries, name is "
+            << frozen.map().at(InternedString("name")).value().get<VxString>() << '\n';
   return 0;
 }

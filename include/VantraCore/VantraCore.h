@@ -10,14 +10,17 @@
 #include <VantraCore/ExceptionWithMoreInfo.h>
 #include <VantraCore/Export.h>
 #include <VantraCore/ExternalVariantStorage.h>
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/FileOperations.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
+#include <VantraCore/PropertyObject.h>
 #include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>

@@ -1,0 +1,108 @@
+#include <VantraCore/FPropertyNode.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+using namespace Tarvex::VantraCore;
+using testing::StrEq;
+using testing::ThrowsMessage;
+
+namespace {
+
+// {"a": 1, "list": [2.5, null, []], "m": {"x": "text"}}
+PropertyNode sample() {
+  PropertyNode inner;
+  inner.set("x", VxString("text"));
+  PropertyList list;
+  list.push_back(PropertyNode(VxVariant(2.5)));
+  list.push_back(PropertyNode());
+  list.push_back(PropertyNode(PropertyList()));
+  PropertyNode root;
+  root.set("a", VxVariant(1));
+  root.set("list", PropertyNode(std::move(list)));
+  root.set("m", std::move(inner));
+  return root;
+}
+
+TEST(FPropertyNode, FreezesEachKindAndKeepsMapOrder) {
+  FPropertyNode const null{PropertyNode()};
+  EXPECT_TRUE(null.isNull());
+  EXPECT_EQ(null.useCount(), 0);
+  EXPECT_THAT([&] { null.value(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a value")));
+  EXPECT_THAT([&] { null.list(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a list")));
+  EXPECT_THAT([&] { null.map(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a map")));
+  EXPECT_EQ(FPropertyList().size(), 0u);
+  EXPECT_EQ(FPropertyMap().begin(), FPropertyMap().end());
+
+  PropertyNode source = sample();
+  FPropertyNode const frozen(source);
+  source.set("a", VxVariant(7));  // later changes stay out of the frozen tree
+  FPropertyMap const map = frozen.map();
+  std::vector<std::string> keys;
+  for (FPropertyMapEntry const &entry : map)
+    keys.emplace_back(entry.key.data());
+  EXPECT_EQ(keys, (std::vector<std::string>{"a", "list", "m"}));
+  EXPECT_EQ(map.at("a").value().get<int>(), 1);
+  EXPECT_THAT([&] { map.at("gone"); }, ThrowsMessage<std::out_of_range>(StrEq("Key not found: gone")));
+
+  FPropertyList const list = map.at("list").list();
+  ASSERT_EQ(list.size(), 3u);
+  EXPECT_EQ(list[0].value().get<double>(), 2.5);
+  EXPECT_TRUE(list[1].isNull());
+  EXPECT_EQ(list[2].kind(), PropertyNodeKind::List);  // an empty list is still a list
+  EXPECT_TRUE(list[2].list().empty());
+
+  long const before = frozen.useCount();
+  FPropertyNode const copy = frozen;
+  EXPECT_EQ(copy.useCount(), before + 1);
+}
+
+TEST(FPropertyNode, FirstKeyWinsOnDuplicates) {
+  FPropertyMap const map(
+      {{"k", FPropertyNode(VxVariant(1))}, {"j", FPropertyNode()}, {"k", FPropertyNode(VxVariant(2))}});
+  ASSERT_EQ(map.size(), 2u);
+  EXPECT_EQ(map.at("k").value().get<int>(), 1);
+  EXPECT_EQ(std::next(map.begin())->key, InternedString("j"));
+}
+
+TEST(FPropertyNode, ThawsBackToAnEqualTreeAndWalksPaths) {
+  FPropertyNode frozen(sample());
+  EXPECT_TRUE(frozen.thaw() == sample());
+  EXPECT_TRUE(FPropertyNode().thaw().isNull());
+  EXPECT_EQ(resolvePropertyPath(frozen, PropertyPath({"list", 0})).value().get<double>(), 2.5);
+  EXPECT_THAT(
+      [&] {
+        resolvePropertyPath(frozen, PropertyPath({"list", 3}));
+      },
+      ThrowsMessage<std::out_of_range>(StrEq("List index out of range: 3")));
+  EXPECT_THAT(
+      [&] {
+        resolvePropertyPath(frozen, PropertyPath({"a", "b"}));
+      },
+      ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a map")));
+}
+
+TEST(FPropertyNode, ManyThreadsReadOneTree) {
+  FPropertyNode const frozen(sample());
+  std::vector<std::thread> readers;
+  std::vector<int> sums(4, 0);
+  for (int &sum : sums) {
+    readers.emplace_back([frozen, &sum] {
+      for (int i = 0; i < 500; ++i) {
+        FPropertyNode const mine = frozen;  // counts move on every thread at once
+        for (FPropertyMapEntry const &entry : mine.map()) {
+          if (entry.node.kind() == PropertyNodeKind::Value) sum += entry.node.value().get<int>();
+        }
+        sum += static_cast<int>(mine.map().at("list").list().size());
+      }
+    });
+  }
+  for (std::thread &reader : readers)
+    reader.join();
+  EXPECT_EQ(sums, std::vector<int>(4, 2000));
+}
+
+}  // namespace
