@@ -40,7 +40,14 @@ class VANTRACORE_API JsonFormatter {
   static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
 
   // ---- reading ----
-  // (deserialize declarations)
+  // The strict readers of the documents above; each parses the whole input, which must hold exactly
+  // one JSON value. Syntax errors and nesting deeper than 1000 levels throw std::invalid_argument
+  // "parse error ...", a stream not good at the start "stream error"; a wrong JSON type throws
+  // std::domain_error "type must be number, but is null" and the like.
+  static VxVariant deserializeVxVariant(std::istream &in);
+  static VxVariant deserializeVxVariant(VxString text);
+  static PropertyNode deserializePropertyNode(std::istream &in);
+  static PropertyNode deserializePropertyNode(VxString text);
 
  private:
   // The templates above for each variant flavour.

@@ -1,6 +1,7 @@
 #include <formatting/JsonReader.h>
 
 #include <VantraCore/ElementKinds.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/Time.h>
 
 #include <nlohmann/json.hpp>
@@ -420,3 +421,20 @@ PropertyNode readJsonPropertyNode(VxString const &text) {
 }
 
 }  // namespace Tarvex::VantraCore::Internal
+
+namespace Tarvex::VantraCore {
+
+VxVariant JsonFormatter::deserializeVxVariant(std::istream &in) {
+  return Internal::readJsonVariant(in);
+}
+VxVariant JsonFormatter::deserializeVxVariant(VxString text) {
+  return Internal::readJsonVariant(text);
+}
+PropertyNode JsonFormatter::deserializePropertyNode(std::istream &in) {
+  return Internal::readJsonPropertyNode(in);
+}
+PropertyNode JsonFormatter::deserializePropertyNode(VxString text) {
+  return Internal::readJsonPropertyNode(text);
+}
+
+}  // namespace Tarvex::VantraCore
