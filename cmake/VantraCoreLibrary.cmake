@@ -1,6 +1,7 @@
 # The one shared library. Sources are picked up per subsystem folder so that adding a file needs no
 # edit here.
 find_package(utf8cpp CONFIG REQUIRED)
+find_package(nlohmann_json 3 REQUIRED)
 
 file(GLOB_RECURSE VANTRACORE_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 file(GLOB_RECURSE VANTRACORE_PUBLIC_HEADERS CONFIGURE_DEPENDS
@@ -20,7 +21,7 @@ target_include_directories(VantraCoreObjects
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
   PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreObjects PUBLIC cxx_std_17)
-target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads PRIVATE utf8cpp)
+target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads PRIVATE utf8cpp nlohmann_json::nlohmann_json)
 
 add_library(VantraCore SHARED $<TARGET_OBJECTS:VantraCoreObjects>)
 add_library(VantraCore::VantraCore ALIAS VantraCore)
@@ -35,7 +36,7 @@ target_link_libraries(VantraCore PUBLIC Threads::Threads)
 add_library(VantraCoreInternal STATIC $<TARGET_OBJECTS:VantraCoreObjects>)
 target_include_directories(VantraCoreInternal PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreInternal PUBLIC cxx_std_17)
-target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp)
+target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp nlohmann_json::nlohmann_json)
 
 # Hidden visibility keeps our internals private; the version script also keeps the standard
 # library's template instances (which default to visible) out of the dynamic symbol table.

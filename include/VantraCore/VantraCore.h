@@ -15,6 +15,7 @@
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>

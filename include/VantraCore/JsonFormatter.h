@@ -1,0 +1,60 @@
+#pragma once
+
+#include <VantraCore/Export.h>
+#include <VantraCore/FPropertyNode.h>
+#include <VantraCore/PropertyNode.h>
+#include <VantraCore/VxString.h>
+#include <VantraCore/VxVariant.h>
+
+#include <iosfwd>
+
+namespace Tarvex::VantraCore {
+
+// Variants and property trees as JSON documents that keep the element kind, shape, data order and
+// data. Stateless: every member is static.
+//
+// indent < 0 gives compact text; indent >= 0 puts every member and element on a line of its own,
+// indented by `indent` spaces per level, with one blank behind each colon. The stream forms build the
+// whole text first, so a failure leaves the stream untouched. Failures: std::logic_error "Cannot
+// serialze custom types", std::runtime_error "unknown type" / "not a numeric type" / "Data type
+// mismatch, cannot provide iterable container".
+class VANTRACORE_API JsonFormatter {
+ public:
+  JsonFormatter() noexcept = default;
+  JsonFormatter(JsonFormatter const &) noexcept = default;
+  JsonFormatter &operator=(JsonFormatter const &) noexcept { return *this; }
+  JsonFormatter &operator=(JsonFormatter &&) noexcept { return *this; }
+
+  // ---- writing ----
+  template <class Storage>
+  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1) {
+    return variantText(value, indent);
+  }
+  template <class Storage>
+  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1) {
+    variantToStream(value, out, indent);
+  }
+  static VxString serialize(PropertyNode node, int indent = -1);
+  static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(FPropertyNode node, int indent = -1);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
+
+  // ---- reading ----
+  // The strict readers of the documents above; each parses the whole input, which must hold exactly
+  // one JSON value. Syntax errors and nesting deeper than 1000 levels throw std::invalid_argument
+  // "parse error ...", a stream not good at the start "stream error"; a wrong JSON type throws
+  // std::domain_error "type must be number, but is null" and the like.
+  static VxVariant deserializeVxVariant(std::istream &in);
+  static VxVariant deserializeVxVariant(VxString text);
+  static PropertyNode deserializePropertyNode(std::istream &in);
+  static PropertyNode deserializePropertyNode(VxString text);
+
+ private:
+  // The templates above for each variant flavour.
+  static VxString variantText(VxVariant const &value, int indent);
+  static VxString variantText(VxVariantAbi const &value, int indent);
+  static void variantToStream(VxVariant const &value, std::ostream &out, int indent);
+  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent);
+};
+
+}  // namespace Tarvex::VantraCore

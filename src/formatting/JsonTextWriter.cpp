@@ -1,0 +1,231 @@
+#include <formatting/JsonTextWriter.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace Tarvex::VantraCore::Internal {
+
+namespace {
+
+// Dekker's exact product: a * b == high + low, without relying on a fused multiply-add.
+void exactProduct(double a, double b, double &high, double &low) {
+  auto const split = [](double x, double &upper, double &lower) {
+    double const c = 134217729.0 * x;  // 2^27 + 1
+    upper = c - (c - x);
+    lower = x - upper;
+  };
+  double aHigh, aLow, bHigh, bLow;
+  split(a, aHigh, aLow);
+  split(b, bHigh, bLow);
+  high = a * b;
+  low = ((aHigh * bHigh - high) + aHigh * bLow + aLow * bHigh) + aLow * bLow;
+}
+
+// Powers of ten that a double holds exactly.
+struct PowersOfTen {
+  double values[23];
+  constexpr PowersOfTen() : values() {
+    double power = 1;
+    for (double &value : values) {
+      value = power;
+      power *= 10;
+    }
+  }
+};
+constexpr PowersOfTen powersOfTen;
+
+// |value| * 10^shift as high + low, exact up to the rounding of a division's remainder.
+bool scaleByPowerOfTen(double magnitude, int shift, double &high, double &low) {
+  if (shift > 22 || shift < -22) return false;
+  if (shift >= 0) {
+    exactProduct(magnitude, powersOfTen.values[shift], high, low);
+    return true;
+  }
+  double const divisor = powersOfTen.values[-shift];
+  high = magnitude / divisor;
+  double productHigh, productLow;
+  exactProduct(high, divisor, productHigh, productLow);
+  low = ((magnitude - productHigh) - productLow) / divisor;
+  return true;
+}
+
+char const digitPairs[] =
+    "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
+    "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
+
+// `value` (finite, not zero) as printf's %.15g prints it, or 0 when the quick path cannot be sure of
+// the rounding: the value is scaled exactly to 15 integer digits, which decides the last digit unless
+// the dropped part lies next to one half.
+std::size_t printFifteenDigits(double value, char *out) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  int const binaryExponent = static_cast<int>((bits >> 52) & 0x7ff) - 1023;
+  // floor(binaryExponent * log10(2)): never above the decimal exponent, at most one below it.
+  int exponent = (binaryExponent * 78913) >> 18;
+  double const magnitude = std::fabs(value);
+  double high = 0, low = 0;
+  if (!scaleByPowerOfTen(magnitude, 14 - exponent, high, low)) return 0;
+  if (high >= 1e15) {
+    ++exponent;
+    if (!scaleByPowerOfTen(magnitude, 14 - exponent, high, low)) return 0;
+  }
+  auto digits = static_cast<std::uint64_t>(high);
+  double dropped = (high - static_cast<double>(digits)) + low;
+  if (dropped < 0) {
+    --digits;
+    dropped += 1;
+  }
+  if (std::fabs(dropped - 0.5) < 1e-6) return 0;
+  if (dropped > 0.5) ++digits;
+  if (digits >= 1000000000000000u) {
+    digits /= 10;
+    ++exponent;
+  }
+  if (digits < 100000000000000u) return 0;
+  char text[15];
+  for (int place = 13; place >= 1; place -= 2) {
+    std::memcpy(text + place, digitPairs + 2 * (digits % 100), 2);
+    digits /= 100;
+  }
+  text[0] = static_cast<char>('0' + digits);
+  int count = 15;
+  while (count > 1 && text[count - 1] == '0')
+    --count;
+
+  char *end = out;
+  if (value < 0) *end++ = '-';
+  if (exponent < -4 || exponent >= 15) {
+    *end++ = text[0];
+    if (count > 1) {
+      *end++ = '.';
+      end = std::copy(text + 1, text + count, end);
+    }
+    *end++ = 'e';
+    *end++ = exponent < 0 ? '-' : '+';
+    int const power = std::abs(exponent);
+    if (power >= 100) *end++ = static_cast<char>('0' + power / 100);
+    *end++ = static_cast<char>('0' + power / 10 % 10);
+    *end++ = static_cast<char>('0' + power % 10);
+  } else if (exponent >= 0) {
+    int const whole = exponent + 1;
+    end = std::copy(text, text + std::min(whole, count), end);
+    if (count < whole) end = std::fill_n(end, whole - count, '0');
+    if (count > whole) {
+      *end++ = '.';
+      end = std::copy(text + whole, text + count, end);
+    }
+  } else {
+    *end++ = '0';
+    *end++ = '.';
+    end = std::fill_n(end, -exponent - 1, '0');
+    end = std::copy(text, text + count, end);
+  }
+  return static_cast<std::size_t>(end - out);
+}
+
+}  // namespace
+
+void JsonTextWriter::lineBreak() {
+  if (m_indent < 0) return;
+  m_text.push_back('\n');
+  m_text.append(m_empty.size() * static_cast<std::size_t>(m_indent), ' ');
+}
+
+void JsonTextWriter::separate() {
+  if (!m_empty.back()) m_text.push_back(',');
+  m_empty.back() = false;
+  lineBreak();
+}
+
+void JsonTextWriter::close(char bracket) {
+  bool const empty = m_empty.back();
+  m_empty.pop_back();
+  if (!empty) lineBreak();
+  m_text.push_back(bracket);
+}
+
+void JsonTextWriter::key(std::string_view name) {
+  separate();
+  appendQuoted(name);
+  m_text.push_back(':');
+  if (m_indent >= 0) m_text.push_back(' ');
+  m_afterKey = true;
+}
+
+void JsonTextWriter::number(double value) {
+  if (!std::isfinite(value)) return null();
+  if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
+  // %.15g, as a stream at precision 15 in the classic locale prints it.
+  beforeValue();
+  char *const digits = m_text.room(32);
+  std::size_t length = printFifteenDigits(value, digits);
+  if (length == 0) {
+    std::to_chars_result const end =
+        std::to_chars(digits, digits + 32, value, std::chars_format::general, 15);
+    length = static_cast<std::size_t>(end.ptr - digits);
+  }
+  m_text.advance(length);
+}
+
+template <class Integer>
+void JsonTextWriter::wholeNumber(Integer value) {
+  char digits[24];
+  std::to_chars_result const end = std::to_chars(digits, digits + sizeof digits, value);
+  literal(std::string_view(digits, static_cast<std::size_t>(end.ptr - digits)));
+}
+
+void JsonTextWriter::integer(std::int64_t value) {
+  wholeNumber(value);
+}
+
+void JsonTextWriter::unsignedInteger(std::uint64_t value) {
+  wholeNumber(value);
+}
+
+void JsonTextWriter::string(std::string_view value) {
+  beforeValue();
+  appendQuoted(value);
+}
+
+void JsonTextWriter::appendQuoted(std::string_view value) {
+  static char const hex[] = "0123456789abcdef";
+  m_text.push_back('"');
+  for (char const c : value) {
+    switch (c) {
+      case '"':
+        m_text.append("\\\"");
+        break;
+      case '\\':
+        m_text.append("\\\\");
+        break;
+      case '\b':
+        m_text.append("\\b");
+        break;
+      case '\f':
+        m_text.append("\\f");
+        break;
+      case '\n':
+        m_text.append("\\n");
+        break;
+      case '\r':
+        m_text.append("\\r");
+        break;
+      case '\t':
+        m_text.append("\\t");
+        break;
+      default:
+        if (static_cast<unsigned char>(c) < 0x20) {
+          char const escape[] = {'\\', 'u', '0', '0', hex[(c >> 4) & 0xf], hex[c & 0xf]};
+          m_text.append(std::string_view(escape, sizeof escape));
+        } else {
+          m_text.push_back(c);
+        }
+    }
+  }
+  m_text.push_back('"');
+}
+
+}  // namespace Tarvex::VantraCore::Internal

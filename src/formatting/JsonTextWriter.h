@@ -1,0 +1,110 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tarvex::VantraCore::Internal {
+
+// JSON text appended straight into one growing buffer, in the layout of the JSON library's printer:
+// compact for a negative indent, else one member or element per line. Numbers and strings are printed
+// here, not by the library, for speed and for the exact texts documents are compared by.
+// A growing block of text that hands out room to write into, so numbers print in place.
+class TextBuffer {
+ public:
+  std::string_view view() const noexcept { return std::string_view(m_text.get(), m_size); }
+  // At least `bytes` writable bytes behind the text; advance() takes what was written.
+  char *room(std::size_t bytes) {
+    if (m_capacity - m_size < bytes) grow(bytes);
+    return m_text.get() + m_size;
+  }
+  void advance(std::size_t bytes) noexcept { m_size += bytes; }
+  void push_back(char c) {
+    *room(1) = c;
+    ++m_size;
+  }
+  void append(std::string_view text) {
+    std::memcpy(room(text.size()), text.data(), text.size());
+    m_size += text.size();
+  }
+  void append(std::size_t count, char c) {
+    std::memset(room(count), c, count);
+    m_size += count;
+  }
+  void reserve(std::size_t bytes) { room(bytes); }
+
+ private:
+  void grow(std::size_t bytes) {
+    std::size_t const capacity = std::max(m_capacity * 2, m_size + bytes + 256);
+    std::unique_ptr<char[]> text(new char[capacity]);
+    if (m_size > 0) std::memcpy(text.get(), m_text.get(), m_size);
+    m_text = std::move(text);
+    m_capacity = capacity;
+  }
+
+  std::unique_ptr<char[]> m_text;
+  std::size_t m_size = 0;
+  std::size_t m_capacity = 0;
+};
+
+class JsonTextWriter {
+ public:
+  explicit JsonTextWriter(int indent) : m_indent(indent < 0 ? -1 : indent) {}
+
+  std::string_view text() const noexcept { return m_text.view(); }
+  void reserve(std::size_t bytes) { m_text.reserve(bytes); }
+
+  void beginObject() { open('{'); }
+  void endObject() { close('}'); }
+  void beginArray() { open('['); }
+  void endArray() { close(']'); }
+  // The name of the next member; its value follows.
+  void key(std::string_view name);
+
+  void null() { literal("null"); }
+  void boolean(bool value) { literal(value ? "true" : "false"); }
+  // Non-finite numbers are written as null.
+  void number(double value);
+  void integer(std::int64_t value);
+  void unsignedInteger(std::uint64_t value);
+  void string(std::string_view value);
+
+ private:
+  void beforeValue() {
+    if (m_afterKey) {
+      m_afterKey = false;
+    } else if (!m_empty.empty()) {
+      separate();
+    }
+  }
+  // The comma and line break that lead a member or element.
+  void separate();
+  // A new line indented to the open containers; nothing in compact text.
+  void lineBreak();
+  template <class Integer>
+  void wholeNumber(Integer value);
+  void literal(std::string_view text) {
+    beforeValue();
+    m_text.append(text);
+  }
+  void open(char bracket) {
+    beforeValue();
+    m_text.push_back(bracket);
+    m_empty.push_back(true);
+  }
+  void close(char bracket);
+  void appendQuoted(std::string_view value);
+
+  TextBuffer m_text;
+  int m_indent;
+  // Per open container: whether nothing has been written into it yet.
+  std::vector<bool> m_empty;
+  bool m_afterKey = false;
+};
+
+}  // namespace Tarvex::VantraCore::Internal
