@@ -64,11 +64,11 @@ std::size_t printFifteenDigits(double value, char *out) {
   std::memcpy(&bits, &value, sizeof bits);
   int const binaryExponent = static_cast<int>((bits >> 52) & 0x7ff) - 1023;
   // floor(binaryExponent * log10(2)): never above the decimal exponent, at most one below it.
-  int exponent = (binaryExponent * 78913) >> 18;
+  int exponent = static_cast<int>((std::int64_t(binaryExponent) * 646456993) >> 31);
   double const magnitude = std::fabs(value);
   double high = 0, low = 0;
   if (!scaleByPowerOfTen(magnitude, 14 - exponent, high, low)) return 0;
-  if (high >= 1e15) {
+  while (high >= 1e15) {
     ++exponent;
     if (!scaleByPowerOfTen(magnitude, 14 - exponent, high, low)) return 0;
   }
