@@ -1,5 +1,6 @@
 # The one shared library. Sources are picked up per subsystem folder so that adding a file needs no
 # edit here.
+include(${CMAKE_CURRENT_LIST_DIR}/VantraCoreSanitizers.cmake)
 find_package(utf8cpp CONFIG REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
 

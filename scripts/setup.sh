@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build needs. Idempotent: does nothing when all are present.
+# Installs the Debian packages the build needs, clang and its sanitizer runtimes for the fuzz targets
+# among them. Idempotent: does nothing when all are present.
 set -euo pipefail
 
 packages=(
   g++ cmake ninja-build pkg-config
   nlohmann-json3-dev libutfcpp-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
+  clang libclang-rt-14-dev
 )
 
 missing=()

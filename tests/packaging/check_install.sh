@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Installs the built tree into a scratch prefix and builds a consumer against it twice: once through
-# the CMake package, once through pkg-config.
+# the CMake package, once through pkg-config. Optional: the compiler and the flags (those of a
+# sanitized library) to build the consumer with.
 set -euo pipefail
 build="$1"
 work="$2"
+cxx="${3:-g++}"
+flags="${4:-}"
 here="$(cd "$(dirname "$0")" && pwd)"
 rm -rf "$work"
 prefix="$work/prefix"
@@ -14,10 +17,12 @@ for f in include/VantraCore/VantraCore.h lib/libVantraCore-0.so lib/cmake/Vantra
   [ -e "$prefix/$f" ] || { echo "missing after install: $f"; exit 1; }
 done
 
-cmake -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+  -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
 cmake --build "$work/consumer" >/dev/null
 LD_LIBRARY_PATH="$prefix/lib" "$work/consumer/consumer"
 
-PKG_CONFIG_PATH="$prefix/lib/pkgconfig" g++ -o "$work/consumer_pc" "$here/consumer/main.cpp" \
+# $flags splits into words on purpose.
+PKG_CONFIG_PATH="$prefix/lib/pkgconfig" "$cxx" $flags -o "$work/consumer_pc" "$here/consumer/main.cpp" \
   $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs VantraCore-0)
 LD_LIBRARY_PATH="$prefix/lib" "$work/consumer_pc"
