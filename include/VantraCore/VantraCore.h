@@ -15,8 +15,8 @@
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
-#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/InternedString.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
