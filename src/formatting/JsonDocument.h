@@ -129,4 +129,11 @@ class JsonDocumentReader {
   std::vector<std::string> const &m_strings;
 };
 
+// Parses `source` (a stream or a VxString) and reads its root by read(reader, 0).
+template <class Source, class Read>
+auto readJsonDocument(Source &source, Read const &read) {
+  JsonDocument const document = parseJsonDocument(source);
+  return read(JsonDocumentReader(document), std::size_t(0));
+}
+
 }  // namespace Tarvex::VantraCore::Internal
