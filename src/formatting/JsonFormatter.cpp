@@ -77,13 +77,6 @@ void writeElement(JsonTextWriter &out, Complex<T, void> const &value) {
   writeComplex(out, value.re, value.im);
 }
 
-// Bytes a compact element of T takes at most, roughly: what the buffer reserves ahead of an array.
-template <class T>
-constexpr std::size_t typicalElementBytes() {
-  if constexpr (std::is_arithmetic_v<T>) return 24;
-  return 48;
-}
-
 template <class Storage>
 void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
   WellKnownType const kind = value.wellKnownDataType();
@@ -105,7 +98,7 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
           writeElement(out, element);
         return;
       }
-      out.reserve(elements.size() * typicalElementBytes<T>());
+      out.reserve(elements.size() * Internal::typicalElementBytes<T>());
       out.beginArray();
       for (T const &element : elements)
         writeElement(out, element);

@@ -105,6 +105,7 @@ void writePlainVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &val
       if (value.isScalarStorage()) {
         writeElement(out, *elements.begin());
       } else {
+        out.reserve(elements.size() * Internal::typicalElementBytes<T>());
         writeNested(out, elements.begin(), value.dimensions(), value.dataOrdering());
       }
     }

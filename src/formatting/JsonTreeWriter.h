@@ -31,6 +31,13 @@ void writeElement(JsonTextWriter &out, T value) {
   }
 }
 
+// Bytes a compact element of T takes at most, roughly: what the buffer reserves ahead of an array.
+template <class T>
+constexpr std::size_t typicalElementBytes() {
+  if constexpr (std::is_arithmetic_v<T>) return 24;
+  return 48;
+}
+
 // Either tree, mutable or frozen, with each variant written by writeValue(out, variant). Empty lists
 // and maps write null.
 template <class Node, class WriteValue>

@@ -2,7 +2,9 @@
 
 #include <VantraCore/VxString.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -70,7 +72,12 @@ void walkPlain(JsonDocumentReader const &reader, std::size_t at, std::vector<std
 
 template <class T>
 VxVariant plainArrayOf(JsonDocumentReader const &reader, std::size_t at, std::vector<std::uint64_t> dims) {
+  // Room for the shape, but never more than the text holds: the shape is only a guess until walked.
+  std::uint64_t room = 1;
+  for (std::uint64_t const size : dims)
+    room = __builtin_mul_overflow(room, size, &room) ? std::numeric_limits<std::uint64_t>::max() : room;
   std::vector<T> elements;
+  elements.reserve(std::min<std::uint64_t>(room, reader.end(at) - at));
   walkPlain(reader, at, dims, 0,
             [&](std::size_t item) { elements.push_back(plainElement<T>(reader, item)); });
   return VxVariant(std::move(elements), std::move(dims), rowMajor);
