@@ -45,6 +45,8 @@ TEST(LowFidelityWriting, DropsMetadataAndNestsArraysInLogicalOrder) {
       for (int i = 0; i < 2; ++i)
         cube.push_back(100 * i + 10 * j + k);
   EXPECT_EQ(low(VxVariant(cube, {2, 2, 2}, columnMajor)), "[[[0,1],[10,11]],[[100,101],[110,111]]]");
+  EXPECT_EQ(std::string(Low::serialize(VxVariantAbi(cube, {2, 2, 2}, columnMajor)).data()),
+            low(VxVariant(cube, {2, 2, 2}, columnMajor)));
 
   for (VxVariant const &nothing :
        {VxVariant(), VxVariant::withShape<double>({2, 0}), VxVariant(std::nan("")),
@@ -150,6 +152,8 @@ TEST(LenientJson, RoundTripsKeepWhatEachFidelityPromises) {
 
   std::string const written = Mid::serialize(tree, 2).data();
   EXPECT_EQ(written, JsonFormatter::serialize(tree, 2).data());
+  VxVariantAbi const abi(std::vector<float>{0.5f});
+  EXPECT_EQ(std::string(Mid::serialize(abi).data()), JsonFormatter::serialize(abi).data());
   EXPECT_EQ(full(Mid::deserializePropertyNode(VxString(written.c_str()))), full(tree));
 
   std::string const plain = Low::serialize(tree).data();
