@@ -124,8 +124,8 @@ VxVariant plainArrayOrFault(JsonDocumentReader const &reader, std::size_t at) {
 WellKnownType inferKind(JsonDocumentReader const &reader, std::size_t data) {
   // An array is of the kind of its first element, all the way down.
   while (reader.typeOf(data) == JsonType::array) {
-    if (reader.itemCount(data) == 0) return WellKnownType();
-    data = data + 1;
+    if (reader.end(data) == data + 1) return WellKnownType();
+    ++data;
   }
   JsonType const type = reader.typeOf(data);
   if (isNumber(type)) return WellKnownTypeValue::typeDouble;
