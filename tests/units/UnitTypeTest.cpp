@@ -105,6 +105,13 @@ TEST(UnitTypeThreads, RegisteringBesideReadersIsSafeAndRegistersOnce) {
       }
     });
   }
+  for (int r = 0; r < 2; ++r) {
+    threads.emplace_back([&failed] {
+      for (int i = 0; i < 400; ++i)
+        if (UnitType::findCompatibleTypes(UnitType::absorbedDose().getDimensions()).size() != 2)
+          failed = true;
+    });
+  }
   for (auto &thread : threads)
     thread.join();
   EXPECT_FALSE(failed);
