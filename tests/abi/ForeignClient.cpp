@@ -18,6 +18,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "UnitCompanion.h"
+
 #ifndef _LIBCPP_VERSION
 #error "the client proves the boundary only when its standard library is not the library's"
 #endif
@@ -194,6 +196,27 @@ void transportedFailures() {
             [&] { array.convertTo(WellKnownType(In::WellKnownTypeValue::typeCustom)); }) == "unknown type");
 }
 
+// A variant made here goes through the companion module into the library's unit conversion and back.
+void unitsThroughTheCompanion() {
+  context = "companion";
+  std::int32_t const counts[6] = {1, 2, 3, 4, 5, 6};
+  VxVariantAbi const events(counts, 6, {2, 3}, columnMajor);
+  VxString const hertz("Hz"), becquerel("Bq");
+  VxVariantAbi const activity = convertUnits(events, hertz, becquerel);
+  CHECK(activity.isType<double>() && activity.dataOrdering() == columnMajor &&
+        activity.numberOfElements() == 6);
+  CHECK(activity.isEquivalentTo(events, conversionCast));
+  CHECK(countOf(hertz) == 1 && countOf(becquerel) == 1);
+
+  CHECK(caught<std::runtime_error>([&] { convertUnits(events, hertz, "m"); }) ==
+        "To units are not commensurable - from: Hz to m");
+  // The companion's text is longer than the record carries.
+  std::string const unknown(300, 'x');
+  std::string const message = "Could not find a UnitType with reference SI string " + unknown;
+  CHECK(caught<std::runtime_error>([&] { convertUnits(events, hertz, VxString(unknown)); }) ==
+        message.substr(0, 199));
+}
+
 }  // namespace
 
 int main() {
@@ -201,6 +224,7 @@ int main() {
   numbersAsText();
   stringReferences();
   transportedFailures();
+  unitsThroughTheCompanion();
   if (failures != 0) std::fprintf(stderr, "%d checks failed\n", failures);
   return failures == 0 ? 0 : 1;
 }

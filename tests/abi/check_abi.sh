@@ -1,13 +1,14 @@
 #!/usr/bin/env bash
 # Builds the foreign client with clang++ against libc++ and the library's headers, links it to the
-# shared object of the normal g++ build alone, and runs it twice: plain, and under clang's
-# AddressSanitizer with leak detection. Exits 77 (skipped) when clang++ or libc++ is missing, or
+# shared objects of the normal g++ build alone (the library and the unit companion), and runs it
+# twice: plain, and under clang's AddressSanitizer with leak detection. Exits 77 (skipped) when clang++ or libc++ is missing, or
 # when the library itself is sanitized: gcc's and clang's sanitizer runtimes do not mix.
 set -euo pipefail
 source_dir="$1"   # the tests/abi folder
 library="$2"      # libVantraCore-0.so
-work="$3"
-sanitized="${4:-}"
+companion="$3"    # the companion module between the client and the library
+work="$4"
+sanitized="${5:-}"
 skip() { echo "skipped: $*"; exit 77; }
 
 [ -z "$sanitized" ] || skip "the library is built with sanitizers ($sanitized)"
@@ -20,10 +21,11 @@ clang++ -stdlib=libc++ "$work/probe.cpp" -o "$work/probe" 2>/dev/null && "$work/
 
 include="$(cd "$source_dir/../../include" && pwd)"
 libdir="$(cd "$(dirname "$library")" && pwd)"
+companion_dir="$(cd "$(dirname "$companion")" && pwd)"
 build() {
   local out="$1"; shift
   clang++ -std=c++17 -stdlib=libc++ -Wall -Wextra -Wpedantic -Werror -O1 -g "$@" -I"$include" \
-    "$source_dir/ForeignClient.cpp" -o "$out" "$library" -Wl,-rpath,"$libdir"
+    "$source_dir/ForeignClient.cpp" -o "$out" "$companion" "$library" -Wl,-rpath,"$libdir:$companion_dir"
 }
 
 build "$work/client"
