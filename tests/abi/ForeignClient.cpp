@@ -51,7 +51,7 @@ bool contains(VxString const &text, std::string const &part) {
   return text.toStdString().find(part) != std::string::npos;
 }
 
-// What `action` throws, as this side's class E, with its text; "" when it throws nothing or another class.
+// The text of what `action` throws as this side's class E.
 template <class E>
 std::string caught(std::function<void()> const &action) {
   try {
@@ -152,11 +152,6 @@ void numbersAsText() {
   VxVariantAbi const texts = numbers.convertTo(wellKnownTypeOf<VxString>(), conversionParse);
   VxString const *made = texts.constStoredData<VxString>();
   CHECK(made[0] == "0.5" && made[1] == "1.0" && made[2] == "-2.0" && countOf(made[1]) == 1);
-  {
-    VxString const kept = made[1];
-    CHECK(countOf(made[1]) == 2 && kept.c_str() == made[1].c_str());
-  }
-  CHECK(countOf(made[1]) == 1);
   CHECK(texts.convertTo(wellKnownTypeOf<double>(), conversionParse).isIdenticalTo(numbers));
 }
 
