@@ -28,6 +28,7 @@
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
 #include <VantraCore/Unit.h>
+#include <VantraCore/UnitString.h>
 #include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
