@@ -166,9 +166,11 @@ class VANTRACORE_API UnitType {
 
  private:
   friend class Unit;
-  UnitType(VxString name, VxString referenceSi, UnitDimensions dims);
+  struct Registry;
+  __attribute__((visibility("hidden"))) static Registry &registry();
   // The registry's own dimensionless entry, valid even while other modules' static initialisers run.
-  static UnitType const &registeredDimensionless();
+  __attribute__((visibility("hidden"))) static UnitType const &registeredDimensionless();
+  UnitType(VxString name, VxString referenceSi, UnitDimensions dims);
 
   VxString m_name;
   VxString m_referenceSi;
