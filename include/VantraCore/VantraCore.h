@@ -26,6 +26,7 @@
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
+#include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
 #include <VantraCore/Unit.h>
