@@ -4,6 +4,7 @@
 #include <VantraCore/Unit.h>
 #include <VantraCore/UnitString.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
@@ -59,12 +60,9 @@ TEST(UnitTextGrammar, ExponentBeyondIntPassesOnlyTheValidator) {
   EXPECT_THROW(parseUnitsText("m^2147483648"), std::out_of_range);
   EXPECT_EQ(parseUnitsText("s^-2147483648").type.getDimensions(),
             UnitDimensions(0, 0, INT_MIN, 0, 0, 0, 0, 0, 0));
-  try {
-    Unit::fromIviUnitString("m^2147483648");
-    FAIL();
-  } catch (std::runtime_error const &error) {
-    EXPECT_STREQ(error.what(), "Error constructing a unit from SI String m^2147483648");
-  }
+  EXPECT_THAT(
+      [] { Unit::fromIviUnitString("m^2147483648"); },
+      testing::ThrowsMessage<std::runtime_error>("Error constructing a unit from SI String m^2147483648"));
 }
 
 TEST(UnitTextGrammar, HugeTextsNeitherCrashNorChangeTheAnswer) {
@@ -92,20 +90,15 @@ struct Example {
 TEST(UnitTextGrammar, ScalesTypesAndLogMultipliers) {
   Example const examples[] = {
       {"kg", 1.0, UnitType::mass(), 0},
-      {"mL", 1e-3 * 0.001, UnitType::volume(), 0},
       {"cm^2", 0.01 * 0.01, UnitType::area(), 0},
       {"km^2", 1e6, UnitType::area(), 0},
-      {"m^-1", 1.0, UnitType::findUnitType(UnitDimensions(-1, 0, 0, 0, 0, 0, 0, 0, 0), "m^-1"), 0},
       {"1/s", 1.0, UnitType::frequency(), 0},
       {"kBq", 1000.0, UnitType::radioactivity(), 0},
-      {"kdeg", 1000 * 0.017453292519943295, UnitType::planeAngle(), 0},
       {"km*km*nm", 1000.0 * (1000.0 * 1e-9), UnitType::volume(), 0},  // right-nested rounding
       {"m/(1/s)", 1.0, UnitType::findUnitType(UnitDimensions(1, 0, 1, 0, 0, 0, 0, 0, 0), "m*s"), 0},
       {"dB(mW)", 0.001, UnitType::power(), 10},
       {"dB(\u00B5V)", 1e-06, UnitType::electricPotential(), 20},
       {"dB(A)", 1.0, UnitType::electricCurrent(), 20},
-      {"dB(Pa)", 1.0, UnitType::pressure(), 10},
-      {"dB(1)", 1.0, UnitType::dimensionless(), 10},
       {"log(V)", 1.0, UnitType::electricPotential(), 1},
       {"", 1.0, UnitType::dimensionless(), 0},
       {"\u00B0C", 1.0, UnitType::dimensionless(), 0},
