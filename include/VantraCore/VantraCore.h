@@ -29,9 +29,11 @@
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringCApi.h>
 #include <VantraCore/StringUtilities.h>
+#include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
 #include <VantraCore/Unit.h>
+#include <VantraCore/UnitString.h>
 #include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
