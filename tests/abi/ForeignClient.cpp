@@ -194,21 +194,22 @@ void transportedFailures() {
 // A variant made here goes through the companion module into the library's unit conversion and back.
 void unitsThroughTheCompanion() {
   context = "companion";
-  std::int32_t const counts[6] = {1, 2, 3, 4, 5, 6};
-  VxVariantAbi const events(counts, 6, {2, 3}, columnMajor);
-  VxString const hertz("Hz"), becquerel("Bq");
-  VxVariantAbi const activity = convertUnits(events, hertz, becquerel);
-  CHECK(activity.isType<double>() && activity.dataOrdering() == columnMajor &&
-        activity.numberOfElements() == 6);
-  CHECK(activity.isEquivalentTo(events, conversionCast));
-  CHECK(countOf(hertz) == 1 && countOf(becquerel) == 1);
+  std::int32_t const millivolts[6] = {1500, -250, 0, 4, 5, 6};
+  VxVariantAbi const measured(millivolts, 6, {2, 3}, columnMajor);
+  VxString const from("mV"), to("V");
+  VxVariantAbi const volts = convertUnits(measured, from, to);
+  CHECK(volts.isType<double>() && volts.dataOrdering() == columnMajor && volts.numberOfElements() == 6);
+  CHECK(volts.isEquivalentTo(
+      VxVariantAbi(std::vector<double>{1.5, -0.25, 0, 0.004, 0.005, 0.006}, {2, 3}, columnMajor),
+      conversionLossless));
+  CHECK(countOf(from) == 1 && countOf(to) == 1);
 
-  CHECK(caught<std::runtime_error>([&] { convertUnits(events, hertz, "m"); }) ==
-        "To units are not commensurable - from: Hz to m");
+  CHECK(caught<std::runtime_error>([&] { convertUnits(measured, from, "m"); }) ==
+        "To units are not commensurable - from: mV to m");
   // The companion's text is longer than the record carries.
   std::string const unknown(300, 'x');
-  std::string const message = "Could not find a UnitType with reference SI string " + unknown;
-  CHECK(caught<std::runtime_error>([&] { convertUnits(events, hertz, VxString(unknown)); }) ==
+  std::string const message = "Error constructing a unit from SI String " + unknown;
+  CHECK(caught<std::runtime_error>([&] { convertUnits(measured, from, VxString(unknown)); }) ==
         message.substr(0, 199));
 }
 

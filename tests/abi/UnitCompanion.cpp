@@ -1,16 +1,15 @@
 #include "UnitCompanion.h"
 
 #include <VantraCore/ElementKinds.h>
+#include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Unit.h>
-#include <VantraCore/UnitType.h>
 #include <variant/capi/TransportGuard.h>
 
 #include <cstdint>
 #include <vector>
 
 using namespace Tarvex::VantraCore;
-using Tarvex::VantraCore::Experimental::Unit;
-using Tarvex::VantraCore::Experimental::UnitType;
+using Tarvex::VantraCore::Experimental::SystemOfUnits;
 
 namespace {
 
@@ -27,17 +26,15 @@ To copyVariant(From const &value) {
   });
 }
 
-Unit unitOf(VxString const &referenceSi) {
-  return Unit(UnitType::findByReferenceSiString(referenceSi), referenceSi, 1.0, 0.0, 0.0);
-}
-
 }  // namespace
 
 extern "C" void AbiCompanion_convertUnits(Internal::TransportRecord *record, VxVariantAbi const *value,
                                           VxString const *from, VxString const *to,
                                           VxVariantAbi *result) noexcept {
   Internal::guardTransport(record, [&] {
-    VxVariant const converted = unitOf(*from).convertTo(unitOf(*to), copyVariant<VxVariant>(*value));
+    SystemOfUnits const &units = SystemOfUnits::instance();
+    VxVariant const converted = units.getUnitsFromString(*from).convertTo(units.getUnitsFromString(*to),
+                                                                          copyVariant<VxVariant>(*value));
     *result = copyVariant<VxVariantAbi>(converted);
   });
 }

@@ -8,8 +8,8 @@
 #include <VantraCore/VxVariant.h>
 
 extern "C" {
-// `value` converted from the unit of the SI reference text `from` to that of `to` (e.g. "Hz" to
-// "Bq"), assigned to `result`. Fails with the library's unit messages.
+// `value` converted from the unit text `from` to `to` (e.g. "mV" to "V") and assigned to `result`.
+// Fails with the library's unit messages.
 __attribute__((visibility("default"))) void AbiCompanion_convertUnits(
     Tarvex::VantraCore::Internal::TransportRecord *record, Tarvex::VantraCore::VxVariantAbi const *value,
     Tarvex::VantraCore::VxString const *from, Tarvex::VantraCore::VxString const *to,
