@@ -1,0 +1,98 @@
+// The vantra tool end to end: each case runs the built program in the examples folder and compares
+// its exit code, standard output and standard error.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <unistd.h>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+struct Outcome {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+std::string slurp(std::string const &file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// `arguments` is shell text; `input` becomes standard input.
+Outcome vantra(std::string const &arguments, std::string const &input = "") {
+  std::string const base = testing::TempDir() + "vantra_" + std::to_string(getpid());
+  std::ofstream(base + ".in", std::ios::binary) << input;
+  std::string const command = "cd '" VANTRA_EXAMPLES "' && '" VANTRA_TOOL "' " + arguments + " <'" + base +
+                              ".in' >'" + base + ".out' 2>'" + base + ".err'";
+  int const status = std::system(command.c_str());
+  Outcome run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, slurp(base + ".out"), slurp(base + ".err")};
+  for (char const *suffix : {".in", ".out", ".err"})
+    std::remove((base + suffix).c_str());
+  return run;
+}
+
+struct Expected {
+  char const *arguments;
+  char const *input;
+  char const *out;  // the whole of standard output; for failures always empty
+  char const *err;
+};
+
+void expectRuns(std::initializer_list<Expected> cases, int code) {
+  for (Expected const &expected : cases) {
+    Outcome const run = vantra(expected.arguments, expected.input);
+    EXPECT_EQ(run.code, code) << expected.arguments << "\n" << run.err;
+    EXPECT_EQ(run.out, expected.out) << expected.arguments;
+    EXPECT_EQ(run.err, expected.err) << expected.arguments;
+  }
+}
+
+char const scalarDocument[] =
+    R"({"v":{"_data_":2500,"_wellknowntype_":"int32"},"unit":{"_data_":"mV","_wellknowntype_":"string"}})";
+
+TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
+  expectRuns(
+      {
+          {"json missing.json --to full", "", "",
+           "vantra: cannot open 'missing.json': No such file or directory\n"},
+          {"json . --to full", "", "", "vantra: cannot read '.': is a directory\n"},
+          {"json - --to full", "{\"a\":", "",
+           "vantra: cannot read standard input as full-fidelity JSON: parse error at line 1, column 6: "
+           "syntax error "
+           "while parsing value - unexpected end of input; expected '[', '{', or a literal\n"},
+          {"json - --to full", "{\"a\":5}", "",
+           "vantra: cannot read standard input as full-fidelity JSON: a JSON value without _data_ metadata "
+           "cannot "
+           "be read as a property node in full fidelity\n"},
+          {"json - --to fancy", "", "", "vantra: --to: fancy not in {full,mid,low} (see --help)\n"},
+          {"", "", "", "vantra: A subcommand is required (see --help)\n"},
+      },
+      2);
+}
+
+TEST(ToolTest, JsonRewritesTheExampleExactly) {
+  Outcome const run = vantra("json measurement.json --to full");
+  EXPECT_EQ(run.code, 0) << run.err;
+  EXPECT_EQ(run.out, slurp(VANTRA_EXAMPLES "/measurement.json"));
+  expectRuns({{"json - --to full --indent -1", scalarDocument,
+               "{\"unit\":{\"_data_\":\"mV\",\"_wellknowntype_\":\"string\"},\"v\":{\"_data_\":2500,"
+               "\"_wellknowntype_\":\"int32\"}}\n",
+               ""}},
+             0);
+}
+
+TEST(ToolTest, EveryCommandHasHelp) {
+  for (char const *command : {"", "json"}) {
+    Outcome const run = vantra(std::string(command) + " --help");
+    EXPECT_EQ(run.code, 0) << command;
+    EXPECT_NE(run.out.find("Usage: vantra"), std::string::npos) << command;
+  }
+}
+
+}  // namespace
