@@ -4,6 +4,7 @@
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/ArraySlice.h>
 #include <VantraCore/Complex.h>
+#include <VantraCore/ConsoleFormatter.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionReporter.h>
 #include <VantraCore/ExceptionTransport.h>
