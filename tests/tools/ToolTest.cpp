@@ -87,8 +87,18 @@ TEST(ToolTest, JsonRewritesTheExampleExactly) {
              0);
 }
 
+TEST(ToolTest, ShowDrawsTheTreeWithReadableTimes) {
+  expectRuns({{"show -", scalarDocument, "|---> 'unit': 'mV'\n|---> 'v': 2500\n", ""},
+              {"show - --fidelity full",
+               R"({"d":{"_data_":{"seconds":-2,"subseconds":500000000000000},"_wellknowntype_":"duration"},)"
+               R"("t":{"_data_":[{"seconds":-1,"subseconds":500000000000000},{"seconds":0,"subseconds":0}],)"
+               R"("_dataorder_":"rowMajor","_dimensions_":[2],"_wellknowntype_":"timestamp"}})",
+               "|---> 'd': '-1.5 s'\n|---> 't': ['1969-12-31T23:59:59.5Z', '1970-01-01T00:00:00Z']\n", ""}},
+             0);
+}
+
 TEST(ToolTest, EveryCommandHasHelp) {
-  for (char const *command : {"", "json"}) {
+  for (char const *command : {"", "show", "json"}) {
     Outcome const run = vantra(std::string(command) + " --help");
     EXPECT_EQ(run.code, 0) << command;
     EXPECT_NE(run.out.find("Usage: vantra"), std::string::npos) << command;

@@ -10,6 +10,7 @@ int main(int argc, char **argv) {
   return vantra::runGuarded([&] {
     CLI::App tool{"Reads, re-encodes, converts and draws VantraCore measurement documents.", "vantra"};
     tool.require_subcommand(1);
+    vantra::addShowCommand(tool);
     vantra::addJsonCommand(tool);
     try {
       tool.parse(argc, argv);
