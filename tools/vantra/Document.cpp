@@ -30,6 +30,12 @@ CLI::Option *addFidelityOption(CLI::App &command, std::string const &name, Fidel
       ->check(CLI::IsMember({"full", "mid", "low"}));
 }
 
+CLI::Option *addIndentOption(CLI::App &command, int &indent) {
+  return command.add_option("--indent", indent, "spaces per level, 0 to 32; -1 for one compact line")
+      ->check(CLI::Range(-1, 32))
+      ->capture_default_str();
+}
+
 std::string describeSource(std::string const &file) {
   return file == "-" ? std::string("standard input") : quoted(file);
 }

@@ -16,6 +16,9 @@ enum class Fidelity { full, mid, low };
 CLI::Option *addFidelityOption(CLI::App &command, std::string const &name, Fidelity &fidelity,
                                std::string const &description);
 
+// --indent: spaces per level of a written document, -1 for one compact line.
+CLI::Option *addIndentOption(CLI::App &command, int &indent);
+
 // The tree in FILE ("-" for standard input), read in `fidelity`. A file that cannot be read or a
 // text that is no such document throws ToolError naming the file.
 Tarvex::VantraCore::PropertyNode readDocument(std::string const &file, Fidelity fidelity);

@@ -25,8 +25,7 @@ void addJsonCommand(CLI::App &tool) {
   addFidelityOption(*command, "--to", options->to, "fidelity to write: full, mid or low")->required();
   addFidelityOption(*command, "--from", options->from,
                     "fidelity the document is in: full (default), mid or low");
-  command->add_option("--indent", options->indent, "spaces per level; negative for one compact line")
-      ->capture_default_str();
+  addIndentOption(*command, options->indent);
   command->callback([options] {
     std::cout << documentText(readDocument(options->file, options->from), options->to, options->indent);
   });
