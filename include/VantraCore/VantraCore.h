@@ -28,6 +28,8 @@
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
+#include <VantraCore/Unit.h>
+#include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>
