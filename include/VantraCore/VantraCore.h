@@ -18,6 +18,8 @@
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/JsonFormatter.h>
+#include <VantraCore/JsonFormatterLowFidelity.h>
+#include <VantraCore/JsonFormatterMidFidelity.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
