@@ -71,20 +71,30 @@ TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
            "cannot "
            "be read as a property node in full fidelity\n"},
           {"json - --to fancy", "", "", "vantra: --to: fancy not in {full,mid,low} (see --help)\n"},
+          {"json - --from mid --to low", R"({"a":{"_data_":[1,2],"_dataorder_":"diagonal"}})", "",
+           "vantra: cannot read standard input as mid-fidelity JSON: dataOrder value: 'diagonal' is not "
+           "recognized in conversion from JSON.\n"},
+          {"json - --to full --indent 1000000", "", "",
+           "vantra: --indent: Value 1000000 not in range -1 to 32 (see --help)\n"},
           {"", "", "", "vantra: A subcommand is required (see --help)\n"},
       },
       2);
 }
 
-TEST(ToolTest, JsonRewritesTheExampleExactly) {
+TEST(ToolTest, JsonReencodesInEachFidelity) {
   Outcome const run = vantra("json measurement.json --to full");
   EXPECT_EQ(run.code, 0) << run.err;
   EXPECT_EQ(run.out, slurp(VANTRA_EXAMPLES "/measurement.json"));
-  expectRuns({{"json - --to full --indent -1", scalarDocument,
-               "{\"unit\":{\"_data_\":\"mV\",\"_wellknowntype_\":\"string\"},\"v\":{\"_data_\":2500,"
-               "\"_wellknowntype_\":\"int32\"}}\n",
-               ""}},
-             0);
+  expectRuns(
+      {{"json - --to full --indent -1", scalarDocument,
+        "{\"unit\":{\"_data_\":\"mV\",\"_wellknowntype_\":\"string\"},\"v\":{\"_data_\":2500,"
+        "\"_wellknowntype_\":\"int32\"}}\n",
+        ""},
+       {"json - --to low --indent -1", scalarDocument, "{\"unit\":\"mV\",\"v\":2500}\n", ""},
+       // Low fidelity drops complex values and keeps shape as nesting; mid infers kinds.
+       {"json - --from mid --to low --indent -1", R"({"c":{"_data_":{"re":1,"im":2}},"m":[[1,2],[3,4]]})",
+        "{\"c\":null,\"m\":[[1,2],[3,4]]}\n", ""}},
+      0);
 }
 
 TEST(ToolTest, ShowDrawsTheTreeWithReadableTimes) {

@@ -79,8 +79,9 @@ PropertyNode readDocument(std::string const &file, Fidelity fidelity) {
   return withContext(context, [&] {
     switch (fidelity) {
       case Fidelity::mid:
+        return Tarvex::VantraCore::JsonFormatterMidFidelity::deserializePropertyNode(text);
       case Fidelity::low:
-        throw ToolError("PENDING lenient");
+        return Tarvex::VantraCore::JsonFormatterLowFidelity::deserializePropertyNode(text);
       case Fidelity::full:
         break;
     }
@@ -92,8 +93,9 @@ std::string documentText(PropertyNode const &tree, Fidelity fidelity, int indent
   VxString const text = withContext("cannot write the document", [&] {
     switch (fidelity) {
       case Fidelity::mid:
+        return Tarvex::VantraCore::JsonFormatterMidFidelity::serialize(tree, indent);
       case Fidelity::low:
-        throw ToolError("PENDING lenient");
+        return Tarvex::VantraCore::JsonFormatterLowFidelity::serialize(tree, indent);
       case Fidelity::full:
         break;
     }
