@@ -50,24 +50,25 @@ T plainElement(JsonDocumentReader const &reader, std::size_t at) {
   }
 }
 
-// Walks the array at `at` and its nested arrays row-major, handing each innermost item to leaf(item).
-// Each array at depth d must hold dims[d] items, so ragged input is refused even where the total
-// count would agree, and nothing is built for a shape that the text does not hold.
+// Walks the array at `at` and its nested arrays depth first, handing each item at the innermost depth
+// to leaf(item); an item above it must be an array. With `exact`, each array at depth d must also hold
+// dims[d] items. Otherwise ragged arrays pass here and only the total count is checked, when the
+// variant is built from what was collected.
 template <class Leaf>
 void walkPlain(JsonDocumentReader const &reader, std::size_t at, std::vector<std::uint64_t> const &dims,
-               std::size_t depth, Leaf const &leaf) {
+               std::size_t depth, bool exact, Leaf const &leaf) {
   if (reader.typeOf(at) != JsonType::array) heterogeneous();
   bool const innermost = depth + 1 == dims.size();
   std::uint64_t count = 0;
   for (std::size_t item = at + 1; item < reader.end(at); item = reader.next(item)) {
-    if (++count > dims[depth]) heterogeneous();
+    if (exact && ++count > dims[depth]) heterogeneous();
     if (innermost) {
       leaf(item);
     } else {
-      walkPlain(reader, item, dims, depth + 1, leaf);
+      walkPlain(reader, item, dims, depth + 1, exact, leaf);
     }
   }
-  if (count != dims[depth]) heterogeneous();
+  if (exact && count != dims[depth]) heterogeneous();
 }
 
 template <class T>
@@ -78,7 +79,7 @@ VxVariant plainArrayOf(JsonDocumentReader const &reader, std::size_t at, std::ve
     room = __builtin_mul_overflow(room, size, &room) ? std::numeric_limits<std::uint64_t>::max() : room;
   std::vector<T> elements;
   elements.reserve(std::min<std::uint64_t>(room, reader.end(at) - at));
-  walkPlain(reader, at, dims, 0,
+  walkPlain(reader, at, dims, 0, false,
             [&](std::size_t item) { elements.push_back(plainElement<T>(reader, item)); });
   return VxVariant(std::move(elements), std::move(dims), rowMajor);
 }
@@ -107,7 +108,8 @@ VxVariant plainArray(JsonDocumentReader const &reader, std::size_t at) {
       return plainArrayOf<VxString>(reader, at, std::move(dims));
     default:
       if (dims.size() == 1) return VxVariant();
-      walkPlain(reader, at, dims, 0, [](std::size_t) {});
+      // Nothing is collected here, so the text must hold the whole shape before it is allocated.
+      walkPlain(reader, at, dims, 0, true, [](std::size_t) {});
       return VxVariant::withShape<double>(std::move(dims));
   }
 }

@@ -86,9 +86,12 @@ TEST(LowFidelityReading, InfersDoubleBoolAndStringArrays) {
 
   auto const heterogeneous =
       ThrowsMessage<std::runtime_error>("VxVariant cannot be created because of heterogeneous data format");
-  for (char const *mixed : {"[1,true]", "[true,1]", R"(["a",1])", "[1,null]", "[[1,2],[3]]", "[[1],[2,3],[]]",
-                            "[[1],2]", "[1,[2]]", "[[[[[[[[[1]]]]]]]]]"})
+  for (char const *mixed : {"[1,true]", "[true,1]", R"(["a",1])", "[1,null]", "[[1,2],[3]]", "[[1],2]",
+                            "[1,[2]]", "[[[[[[[[[1]]]]]]]]]"})
     EXPECT_THAT([&] { Low::deserializeVxVariant(VxString(mixed)); }, heterogeneous) << mixed;
+  // Ragged rows are not looked at, only the total count against the shape of the first elements.
+  EXPECT_EQ(full(Low::deserializeVxVariant(VxString("[[1],[2,3],[]]"))),
+            full(VxVariant(std::vector<double>{1, 2, 3}, {3, 1})));
 }
 
 TEST(LowFidelityReading, TreesHoldListsAndScalarsOnly) {
