@@ -22,8 +22,11 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
+# The bundled measurement: its supply channel converted from mV to V, then drawn.
+VANTRA = $(BUILD)/tools/vantra/vantra
 run: build
-	$(BUILD)/examples/tour
+	$(VANTRA) convert examples/measurement.json --at channels/0/samples --to V >$(BUILD)/measurement-V.json
+	$(VANTRA) show $(BUILD)/measurement-V.json
 
 bench: build
 	@set -e; for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.2; done

@@ -12,6 +12,8 @@ int main(int argc, char **argv) {
     tool.require_subcommand(1);
     vantra::addShowCommand(tool);
     vantra::addJsonCommand(tool);
+    vantra::addConvertCommand(tool);
+    vantra::addUnitsCommand(tool);
     try {
       tool.parse(argc, argv);
     } catch (CLI::ParseError const &request) {
