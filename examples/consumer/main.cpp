@@ -25,11 +25,18 @@ PropertyNode readDocument(int argc, char **argv) {
 }  // namespace
 
 int main(int argc, char **argv) try {
+  using Experimental::SystemOfUnits;
+  using Experimental::Unit;
+
   PropertyNode document = readDocument(argc, argv);
   PropertyNode &channel = resolvePropertyPath(document, PropertyPath({"channels", 0}));
   VxVariant const samples = channel.map().at("samples").value();
+  VxString const unitText = channel.map().at("unit").value().get<VxString>();
 
-  channel.set("samples", samples);
+  // "mV" and "V" differ in their SI text, so the variant conversion applies the scale.
+  Unit const from = SystemOfUnits::instance().getUnitsFromString(unitText);
+  Unit const to = SystemOfUnits::instance().getUnitsFromString("V");
+  channel.set("samples", from.convertTo(to, samples));
   channel.set("unit", VxString("V"));
 
   JsonFormatter::serialize(document, std::cout, 2);

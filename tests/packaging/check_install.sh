@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the built tree into a scratch prefix, builds examples/consumer against it twice (through
-# the CMake package, then through pkg-config) and runs it on the bundled example, then runs the
-# installed tool, which must find the library by its own RUNPATH. Optional: the compiler and the flags
-# (those of a sanitized library) to build the consumer with.
+# the CMake package, then through pkg-config) and runs both on the bundled example. The installed
+# tool, which must find the library by its own RUNPATH, converts the same channel and must write the
+# same document. Optional: the compiler and the flags (those of a sanitized library) to build the
+# consumer with.
 set -euo pipefail
 build="$1"
 work="$2"
@@ -32,6 +33,7 @@ LD_LIBRARY_PATH="$prefix/lib" "$work/consumer_pc" "$example" | cmp - "$work/conv
 
 if [ -e "$build/tools/vantra/vantra" ]; then
   [ -x "$prefix/bin/vantra" ] || { echo "missing after install: bin/vantra"; exit 1; }
-  env -u LD_LIBRARY_PATH "$prefix/bin/vantra" json "$work/converted.json" --to full | cmp - "$work/converted.json"
+  env -u LD_LIBRARY_PATH "$prefix/bin/vantra" convert "$example" --at channels/0/samples --to V |
+    cmp - "$work/converted.json"
 fi
 echo "install check passed"
