@@ -71,6 +71,9 @@ TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
            "cannot "
            "be read as a property node in full fidelity\n"},
           {"json - --to fancy", "", "", "vantra: --to: fancy not in {full,mid,low} (see --help)\n"},
+          {"show -",
+           R"({"a":{"_data_":[1],"_dimensions_":[99999999999,99999999999],"_wellknowntype_":"double"}})", "",
+           "vantra: cannot read standard input as full-fidelity JSON: out of memory\n"},
           {"json - --from mid --to low", R"({"a":{"_data_":[1,2],"_dataorder_":"diagonal"}})", "",
            "vantra: cannot read standard input as mid-fidelity JSON: dataOrder value: 'diagonal' is not "
            "recognized in conversion from JSON.\n"},

@@ -25,6 +25,9 @@ auto withContext(std::string const &context, Step &&step) -> decltype(step()) {
     return std::forward<Step>(step)();
   } catch (ToolError const &) {
     throw;
+  } catch (std::bad_alloc const &) {
+    // A document may ask for more elements than memory holds.
+    throw ToolError(context + ": out of memory");
   } catch (std::exception const &failure) {
     throw ToolError(context + ": " + failure.what());
   }
