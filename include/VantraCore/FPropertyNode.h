@@ -7,6 +7,7 @@
 #include <VantraCore/VxVariant.h>
 
 #include <cstddef>
+#include <iosfwd>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -318,6 +319,12 @@ inline PropertyMap FPropertyMap::thaw() const {
     map.insertOrAssign(entry.key, entry.node.thaw());
   return map;
 }
+
+// One line for test failure messages: a null node as "<NULL>", a value as its variant text, a list as
+// "{1, 2}", a map as "{{'a', 1}, {'b', 2}}"; empty lists and maps as "{}".
+VANTRACORE_API void PrintTo(FPropertyNode const &node, std::ostream *out);
+VANTRACORE_API void PrintTo(FPropertyList const &list, std::ostream *out);
+VANTRACORE_API void PrintTo(FPropertyMap const &map, std::ostream *out);
 
 // The frozen tree is only ever read, so a path walk from a mutable handle gives a constant node.
 inline FPropertyNode const &resolvePropertyPath(FPropertyNode &root, PropertyPath const &path) {

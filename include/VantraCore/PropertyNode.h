@@ -1,5 +1,6 @@
 #pragma once
 
+#include <VantraCore/Export.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxVariant.h>
@@ -7,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <iosfwd>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -320,6 +322,11 @@ PropertyNode &PropertyNode::set(InternedString key, Child &&child) {
   m_map.m_items.emplace_back(key, PropertyNode(std::forward<Child>(child)));
   return m_map.m_items.back().node;
 }
+
+// One line for test failure messages, through the frozen tree: see the FPropertyNode overloads.
+VANTRACORE_API void PrintTo(PropertyNode const &node, std::ostream *out);
+VANTRACORE_API void PrintTo(PropertyList const &list, std::ostream *out);
+VANTRACORE_API void PrintTo(PropertyMap const &map, std::ostream *out);
 
 inline bool operator==(PropertyNode const &a, PropertyNode const &b) {
   if (a.m_kind != b.m_kind) return false;

@@ -4,6 +4,7 @@
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/ArraySlice.h>
 #include <VantraCore/Complex.h>
+#include <VantraCore/ConsoleFormatter.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionReporter.h>
 #include <VantraCore/ExceptionTransport.h>
@@ -17,6 +18,8 @@
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
 #include <VantraCore/JsonFormatter.h>
+#include <VantraCore/JsonFormatterLowFidelity.h>
+#include <VantraCore/JsonFormatterMidFidelity.h>
 #include <VantraCore/Optional.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/PropertyNode.h>
@@ -27,6 +30,8 @@
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
+#include <VantraCore/Unit.h>
+#include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>

@@ -4,6 +4,7 @@
 #include <VantraCore/ArraySlice.h>
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
+#include <VantraCore/Export.h>
 #include <VantraCore/IVariantData.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
@@ -16,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iosfwd>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -533,5 +535,10 @@ using VxVariantAbi = VxVariantGeneric<Internal::VxVariantDataSharable>;
 static_assert(sizeof(VxVariant) == 40 && offsetof(Internal::VxVariantDirectStorage, buffer) == 8,
               "VxVariant: the holder pointer, then its 32-byte buffer");
 static_assert(sizeof(VxVariantAbi) == sizeof(void *), "VxVariantAbi: the holder pointer alone");
+
+// The one-line text of a value as ConsoleFormatter writes it, for test failure messages. Defined for
+// VxVariant and VxVariantAbi.
+template <class Storage>
+VANTRACORE_API void PrintTo(VxVariantGeneric<Storage> const &value, std::ostream *out);
 
 }  // namespace Tarvex::VantraCore

@@ -4,7 +4,7 @@
 #include <VantraCore/ElementKinds.h>
 #include <VantraCore/Time.h>
 
-#include <formatting/JsonTextWriter.h>
+#include <formatting/JsonTreeWriter.h>
 
 #include <algorithm>
 #include <complex>
@@ -18,7 +18,10 @@ namespace Tarvex::VantraCore {
 namespace {
 
 using Internal::int128_t;
+using Internal::jsonText;
 using Internal::JsonTextWriter;
+using Internal::jsonToStream;
+using Internal::writeElement;
 
 // 10^15: ticks of a Duration per second.
 int128_t const ticksPerSecond(std::int64_t(1000000000000000));
@@ -54,23 +57,6 @@ void writeElement(JsonTextWriter &out, Timestamp const &value) {
   writeSplit(out, seconds, count - int128_t(seconds) * ticksPerSecond);
 }
 
-void writeElement(JsonTextWriter &out, VxString const &value) {
-  out.string(std::string_view(value.data(), value.size()));
-}
-
-template <class T>
-void writeElement(JsonTextWriter &out, T value) {
-  if constexpr (std::is_same_v<T, bool>) {
-    out.boolean(value);
-  } else if constexpr (std::is_floating_point_v<T>) {
-    out.number(static_cast<double>(value));
-  } else if constexpr (std::is_signed_v<T>) {
-    out.integer(value);
-  } else {
-    out.unsignedInteger(value);
-  }
-}
-
 template <class T>
 void writeComplex(JsonTextWriter &out, T re, T im) {
   out.beginObject();
@@ -89,13 +75,6 @@ void writeElement(JsonTextWriter &out, std::complex<T> const &value) {
 template <class T>
 void writeElement(JsonTextWriter &out, Complex<T, void> const &value) {
   writeComplex(out, value.re, value.im);
-}
-
-// Bytes a compact element of T takes at most, roughly: what the buffer reserves ahead of an array.
-template <class T>
-constexpr std::size_t typicalElementBytes() {
-  if constexpr (std::is_arithmetic_v<T>) return 24;
-  return 48;
 }
 
 template <class Storage>
@@ -119,7 +98,7 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
           writeElement(out, element);
         return;
       }
-      out.reserve(elements.size() * typicalElementBytes<T>());
+      out.reserve(elements.size() * Internal::typicalElementBytes<T>());
       out.beginArray();
       for (T const &element : elements)
         writeElement(out, element);
@@ -147,92 +126,42 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
   out.endObject();
 }
 
-// Either tree, mutable or frozen: both walk alike and write the same document.
-template <class Node>
-void writeNode(JsonTextWriter &out, Node const &node) {
-  switch (node.kind()) {
-    case PropertyNodeKind::Value:
-      return writeVariant(out, node.value());
-    case PropertyNodeKind::List: {
-      auto const &list = node.list();
-      if (list.empty()) return out.null();
-      out.beginArray();
-      for (Node const &child : list)
-        writeNode(out, child);
-      return out.endArray();
-    }
-    case PropertyNodeKind::Map: {
-      auto const &map = node.map();
-      if (map.empty()) return out.null();
-      // Members in byte order of their keys, whatever the order of insertion.
-      using Entry = std::remove_reference_t<decltype(*map.begin())>;
-      std::vector<Entry *> entries;
-      entries.reserve(map.size());
-      for (Entry &entry : map)
-        entries.push_back(&entry);
-      auto const keyOf = [](Entry *entry) {
-        return std::string_view(entry->key.data(), entry->key.length());
-      };
-      std::sort(entries.begin(), entries.end(), [&](Entry *a, Entry *b) { return keyOf(a) < keyOf(b); });
-      out.beginObject();
-      for (Entry *entry : entries) {
-        out.key(keyOf(entry));
-        writeNode(out, entry->node);
-      }
-      return out.endObject();
-    }
-    case PropertyNodeKind::Null:
-      break;
-  }
-  out.null();
-}
-
-template <class Write>
-VxString toText(int indent, Write const &write) {
-  JsonTextWriter out(indent);
-  write(out);
-  return VxString(out.text().data(), out.text().size());
-}
-
-template <class Write>
-void toStream(std::ostream &stream, int indent, Write const &write) {
-  JsonTextWriter out(indent);
-  write(out);
-  stream.write(out.text().data(), static_cast<std::streamsize>(out.text().size()));
+void writeFullVariant(JsonTextWriter &out, VxVariant const &value) {
+  writeVariant(out, value);
 }
 
 }  // namespace
 
 VxString JsonFormatter::variantText(VxVariant const &value, int indent) {
-  return toText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
+  return jsonText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
 }
 
 VxString JsonFormatter::variantText(VxVariantAbi const &value, int indent) {
-  return toText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
+  return jsonText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
 }
 
 void JsonFormatter::variantToStream(VxVariant const &value, std::ostream &out, int indent) {
-  toStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
+  jsonToStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
 }
 
 void JsonFormatter::variantToStream(VxVariantAbi const &value, std::ostream &out, int indent) {
-  toStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
+  jsonToStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
 }
 
 VxString JsonFormatter::serialize(PropertyNode node, int indent) {
-  return toText(indent, [&](JsonTextWriter &out) { writeNode(out, node); });
+  return jsonText(indent, [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
 }
 
 void JsonFormatter::serialize(PropertyNode node, std::ostream &out, int indent) {
-  toStream(out, indent, [&](JsonTextWriter &text) { writeNode(text, node); });
+  jsonToStream(out, indent, [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
 VxString JsonFormatter::serialize(FPropertyNode node, int indent) {
-  return toText(indent, [&](JsonTextWriter &out) { writeNode(out, node); });
+  return jsonText(indent, [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
 }
 
 void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent) {
-  toStream(out, indent, [&](JsonTextWriter &text) { writeNode(text, node); });
+  jsonToStream(out, indent, [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
 }  // namespace Tarvex::VantraCore

@@ -1,0 +1,73 @@
+#include <VantraCore/ConsoleFormatter.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace Tarvex::VantraCore;
+
+namespace {
+
+constexpr std::size_t elementCount = 65536;
+
+std::vector<double> sampleValues() {
+  std::vector<double> values(elementCount);
+  for (std::size_t i = 0; i < elementCount; ++i)
+    values[i] = static_cast<double>(i) * 0.37 - 1000.0 / static_cast<double>(i + 1);
+  return values;
+}
+
+// The formatter's cost over the stream's own number output (BM_StreamDoubleLoop).
+void BM_ConsoleDoubleArray(benchmark::State &state) {
+  VxVariant const value(sampleValues());
+  for (auto _ : state) {
+    std::ostringstream out;
+    ConsoleFormatter::serialize(value, out);
+    benchmark::DoNotOptimize(out);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * elementCount));
+}
+BENCHMARK(BM_ConsoleDoubleArray)->Unit(benchmark::kMillisecond);
+
+void BM_StreamDoubleLoop(benchmark::State &state) {
+  std::vector<double> const values = sampleValues();
+  for (auto _ : state) {
+    std::ostringstream out;
+    out << '[';
+    for (double const element : values)
+      out << element << ", ";
+    out << ']';
+    benchmark::DoNotOptimize(out);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * elementCount));
+}
+BENCHMARK(BM_StreamDoubleLoop)->Unit(benchmark::kMillisecond);
+
+// A configuration-sized tree: 100 maps of 10 scalar entries under one root.
+PropertyNode sampleTree() {
+  PropertyNode root;
+  for (int group = 0; group < 100; ++group) {
+    PropertyNode &child = root.set(InternedString(("group" + std::to_string(group)).c_str()), PropertyMap());
+    for (int entry = 0; entry < 10; ++entry)
+      child.set(InternedString(("value" + std::to_string(entry)).c_str()), VxVariant(entry * 1.5));
+  }
+  return root;
+}
+
+template <class Node>
+void BM_ConsoleTree(benchmark::State &state) {
+  Node const tree(sampleTree());
+  for (auto _ : state) {
+    std::ostringstream out;
+    ConsoleFormatter::serialize(tree, out);
+    benchmark::DoNotOptimize(out);
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * 1000));
+}
+BENCHMARK_TEMPLATE(BM_ConsoleTree, PropertyNode)->Unit(benchmark::kMicrosecond);
+BENCHMARK_TEMPLATE(BM_ConsoleTree, FPropertyNode)->Unit(benchmark::kMicrosecond);
+
+}  // namespace

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <VantraCore/Export.h>
+#include <VantraCore/FPropertyNode.h>
+#include <VantraCore/PropertyNode.h>
+#include <VantraCore/VxString.h>
+#include <VantraCore/VxVariant.h>
+
+#include <iosfwd>
+
+namespace Tarvex::VantraCore {
+
+// Variants and property trees as plain JSON, without metadata, for other programs. Stateless: every
+// member is static. Number text, escaping and `indent` are those of JsonFormatter.
+//
+// Writing: arrays nest by dimension in logical index order, whatever their data ordering; null and
+// empty variants, and every variant of a complex kind, write null; a duration writes its tick count
+// (10^-15 s) as a decimal string, a timestamp the asctime text of its UTC second, line feed included.
+// A custom kind throws std::runtime_error "unknown type".
+//
+// Reading: numbers become double, booleans bool, strings string. A variant is read from a scalar or an
+// array nested up to 8 levels, whose first elements decide kind and shape; an array that does not fit
+// throws std::runtime_error "VxVariant cannot be created because of heterogeneous data format". An
+// object, an empty array or one whose first element is null reads as the null variant. A tree reads
+// every array as a list and every object as a map.
+class VANTRACORE_API JsonFormatterLowFidelity {
+ public:
+  JsonFormatterLowFidelity() noexcept = default;
+  JsonFormatterLowFidelity(JsonFormatterLowFidelity const &) noexcept = default;
+  JsonFormatterLowFidelity &operator=(JsonFormatterLowFidelity const &) noexcept { return *this; }
+  JsonFormatterLowFidelity &operator=(JsonFormatterLowFidelity &&) noexcept { return *this; }
+
+  // ---- writing ----
+  template <class Storage>
+  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1) {
+    return variantText(value, indent);
+  }
+  template <class Storage>
+  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1) {
+    variantToStream(value, out, indent);
+  }
+  static VxString serialize(PropertyNode node, int indent = -1);
+  static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(FPropertyNode node, int indent = -1);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
+
+  // ---- reading ----
+  // Syntax errors as JsonFormatter.
+  static VxVariant deserializeVxVariant(std::istream &in);
+  static VxVariant deserializeVxVariant(VxString text);
+  static PropertyNode deserializePropertyNode(std::istream &in);
+  static PropertyNode deserializePropertyNode(VxString text);
+
+ private:
+  // The templates above for each variant flavour.
+  static VxString variantText(VxVariant const &value, int indent);
+  static VxString variantText(VxVariantAbi const &value, int indent);
+  static void variantToStream(VxVariant const &value, std::ostream &out, int indent);
+  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent);
+};
+
+}  // namespace Tarvex::VantraCore

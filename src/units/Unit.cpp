@@ -1,0 +1,299 @@
+#include <VantraCore/InternedString.h>
+#include <VantraCore/Unit.h>
+#include <VantraCore/WellKnownType.h>
+
+#include <cmath>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace Tarvex::VantraCore::Experimental {
+
+namespace {
+
+struct UnitKeys {
+  InternedString scale{"Scale"};
+  InternedString offset{"Offset"};
+  InternedString logMultiplier{"LogMultiplier"};
+  InternedString siUnits{"SiUnits"};
+  InternedString unitTypeReferenceString{"UnitTypeReferenceString"};
+  InternedString displayUnit{"DisplayUnit"};
+};
+
+UnitKeys const &keys() {
+  static UnitKeys const instance;
+  return instance;
+}
+
+// The one way into the node for every getter, so all of them fail with the node's own messages.
+VxVariant const &storedValue(PropertyNode const &node, InternedString key) {
+  return node.map().at(key).value();
+}
+
+template <class T>
+T storedOr(PropertyNode const &node, InternedString key, T fallback) {
+  VxVariant const &value = storedValue(node, key);
+  try {
+    return value.get<T>();
+  } catch (std::exception const &) {
+    return fallback;
+  }
+}
+
+VxString const &storedText(PropertyNode const &node, InternedString key) {
+  return storedValue(node, key).at<VxString>(0);
+}
+
+PropertyNode makeNode(double scale, double offset, double logMultiplier, VxString const &siUnits,
+                      VxString const &referenceSi, VxString const &displayUnit) {
+  UnitKeys const &k = keys();
+  PropertyNode node;
+  node.set(k.scale, VxVariant(scale));
+  node.set(k.offset, VxVariant(offset));
+  node.set(k.logMultiplier, VxVariant(logMultiplier));
+  node.set(k.siUnits, VxVariant(siUnits));
+  node.set(k.unitTypeReferenceString, VxVariant(referenceSi));
+  node.set(k.displayUnit, VxVariant(displayUnit));
+  return node;
+}
+
+bool holdsStoredForm(PropertyNode const &node) {
+  if (node.kind() != PropertyNodeKind::Map) return false;
+  UnitKeys const &k = keys();
+  PropertyMap const &map = node.map();
+  for (InternedString key : {k.scale, k.offset, k.siUnits, k.unitTypeReferenceString, k.displayUnit})
+    if (map.find(key) == map.end()) return false;
+  return true;
+}
+
+// The six numbers of a conversion, read once.
+struct Conversion {
+  double fromLog, fromScale, fromOffset, toLog, toScale, toOffset;
+
+  Conversion(Unit const &from, Unit const &to)
+      : fromLog(from.getLogMultiplier()),
+        fromScale(from.getScale()),
+        fromOffset(from.getOffset()),
+        toLog(to.getLogMultiplier()),
+        toScale(to.getScale()),
+        toOffset(to.getOffset()) {}
+
+  // A NaN multiplier counts as logarithmic; 1e-300 > y keeps a NaN y as NaN.
+  template <bool FromLog, bool ToLog>
+  double apply(double x) const {
+    double l = x;
+    if constexpr (FromLog) l = std::pow(10.0, x / fromLog);
+    double const y = ((fromScale * l + fromOffset) - toOffset) / toScale;
+    if constexpr (!ToLog) return y;
+    return std::log10(1e-300 > y ? 1e-300 : y) * toLog;
+  }
+
+  double operator()(double x) const {
+    bool const fromLogarithmic = fromLog != 0.0;
+    bool const toLogarithmic = toLog != 0.0;
+    if (fromLogarithmic) return toLogarithmic ? apply<true, true>(x) : apply<true, false>(x);
+    return toLogarithmic ? apply<false, true>(x) : apply<false, false>(x);
+  }
+
+  template <bool FromLog, bool ToLog>
+  void applyAll(double *values, std::uint64_t count) const {
+    Conversion const c = *this;  // a local copy, so the compiler need not reload it through `values`
+    for (std::uint64_t i = 0; i < count; ++i)
+      values[i] = c.apply<FromLog, ToLog>(values[i]);
+  }
+
+  // The logarithm choices are made once, outside the loop, so the linear loop vectorises.
+  void applyAll(double *values, std::uint64_t count) const {
+    bool const fromLogarithmic = fromLog != 0.0;
+    bool const toLogarithmic = toLog != 0.0;
+    if (fromLogarithmic)
+      toLogarithmic ? applyAll<true, true>(values, count) : applyAll<true, false>(values, count);
+    else
+      toLogarithmic ? applyAll<false, true>(values, count) : applyAll<false, false>(values, count);
+  }
+};
+
+std::string siText(Unit const &unit) {
+  return unit.getSiUnits(ValueTypeSemantics()).toStdString();
+}
+
+}  // namespace
+
+Unit::Unit()
+    : m_node(makeNode(0.0, 0.0, 0.0, VxString(), VxString(), VxString())),
+      m_unitType(UnitType::registeredDimensionless()) {}
+
+Unit::Unit(UnitType const &type, VxString displayUnit, double scale, double offset, double logMultiplier)
+    : m_node(makeNode(scale, offset, logMultiplier, type.getReferenceSIString(), type.getReferenceSIString(),
+                      displayUnit)),
+      m_unitType(type) {}
+
+Unit::Unit(PropertyNode node) : m_unitType(UnitType::registeredDimensionless()) {
+  if (!holdsStoredForm(node)) throw std::runtime_error("schema validation failed");
+  m_node = std::move(node);
+}
+
+Unit::Unit(Unit const &other) = default;
+Unit::Unit(Unit &&other) noexcept = default;
+Unit &Unit::operator=(Unit const &other) = default;
+Unit &Unit::operator=(Unit &&other) noexcept = default;
+Unit::~Unit() = default;
+
+double Unit::getScale() const {
+  return storedOr(m_node, keys().scale, 0.0);
+}
+double Unit::getOffset() const {
+  return storedOr(m_node, keys().offset, 0.0);
+}
+double Unit::getLogMultiplier() const {
+  return storedOr(m_node, keys().logMultiplier, 0.0);
+}
+void Unit::setScale(double scale) {
+  m_node.set(keys().scale, VxVariant(scale));
+}
+void Unit::setOffset(double offset) {
+  m_node.set(keys().offset, VxVariant(offset));
+}
+void Unit::setLogMultiplier(double logMultiplier) {
+  m_node.set(keys().logMultiplier, VxVariant(logMultiplier));
+}
+
+VxString Unit::getSiUnits(ValueTypeSemantics) const {
+  return storedOr(m_node, keys().siUnits, VxString());
+}
+VxString const &Unit::getSiUnits(ReferenceTypeSemantics) const {
+  return storedText(m_node, keys().siUnits);
+}
+VxString Unit::getDisplayUnit(ValueTypeSemantics) const {
+  return storedOr(m_node, keys().displayUnit, VxString());
+}
+VxString const &Unit::getDisplayUnit(ReferenceTypeSemantics) const {
+  return storedText(m_node, keys().displayUnit);
+}
+VxString Unit::getUnitTypeReferenceString(ValueTypeSemantics) const {
+  return storedOr(m_node, keys().unitTypeReferenceString, VxString());
+}
+VxString const &Unit::getUnitTypeReferenceString(ReferenceTypeSemantics) const {
+  return storedText(m_node, keys().unitTypeReferenceString);
+}
+void Unit::setSiUnits(VxString const &siUnits) {
+  m_node.set(keys().siUnits, VxVariant(siUnits));
+}
+void Unit::setDisplayUnit(VxString const &displayUnit) {
+  m_node.set(keys().displayUnit, VxVariant(displayUnit));
+}
+void Unit::setUnitTypeReferenceString(VxString const &referenceSi) {
+  m_node.set(keys().unitTypeReferenceString, VxVariant(referenceSi));
+}
+
+VxString Unit::getUnitsLabel(ValueTypeSemantics) const {
+  VxString display = getDisplayUnit(ValueTypeSemantics());
+  return display.empty() ? getSiUnits(ValueTypeSemantics()) : display;
+}
+
+VxString const &Unit::getUnitsLabel(ReferenceTypeSemantics) const {
+  VxString const &display = getDisplayUnit(ReferenceTypeSemantics());
+  if (!display.empty()) return display;
+  // The label is filled in on first use, even through a const unit; the node is ours to change.
+  VxVariant &stored = const_cast<PropertyNode &>(m_node).map().at(keys().displayUnit).value();
+  stored = VxVariant(getSiUnits(ValueTypeSemantics()));
+  return stored.at<VxString>(0);
+}
+
+Unit &Unit::setUnitsLabel(VxString const &label) {
+  setDisplayUnit(label);
+  return *this;
+}
+
+bool Unit::isCommensurable(Unit const &other) const {
+  return m_unitType.getDimensions() == other.m_unitType.getDimensions();
+}
+
+bool Unit::isDimensionless() const {
+  return m_unitType == UnitType::dimensionless();
+}
+
+bool Unit::isLogarithmic() const {
+  return getLogMultiplier() != 0.0;
+}
+
+double Unit::convertTo(Unit const &to, double value) const {
+  if (!isCommensurable(to))
+    throw std::runtime_error("Units " + siText(to) + " is not commensurable to " + siText(*this));
+  return Conversion(*this, to)(value);
+}
+
+std::complex<double> Unit::convertTo(Unit const &to, std::complex<double> value) const {
+  if (!isCommensurable(to))
+    throw std::runtime_error("Units " + siText(to) + " is not Commensurable to " + siText(*this));
+  Conversion const conversion(*this, to);
+  return {conversion(value.real()), conversion(value.imag())};
+}
+
+VxVariant Unit::convertTo(Unit const &to, VxVariant value) const {
+  if (getSiUnits(ValueTypeSemantics()) == to.getSiUnits(ValueTypeSemantics())) return value;
+  if (!isCommensurable(to))
+    throw std::runtime_error("To units are not commensurable - from: " + siText(*this) + " to " + siText(to));
+  try {
+    // A null value has nothing to convert and fails like a refused element.
+    if (value.isNull()) throw std::runtime_error("null value");
+    bool const complex = (static_cast<std::uint16_t>(value.wellKnownDataType().value()) & 0x8000u) != 0;
+    WellKnownType const target =
+        complex ? wellKnownTypeOf<std::complex<double>>() : wellKnownTypeOf<double>();
+    VxVariant result = value.convertTo(target, conversionCast);
+    // Dropping our reference first lets a moved-in double array be converted without a copy.
+    value = VxVariant();
+    Conversion const conversion(*this, to);
+    std::uint64_t const count = result.numberOfElements();
+    if (count == 0) return result;
+    // Real and imaginary parts go through the formula alike, so complex elements are two doubles each.
+    double *const data = complex
+                             ? reinterpret_cast<double *>(result.mutableStoredData<std::complex<double>>())
+                             : result.mutableStoredData<double>();
+    conversion.applyAll(data, complex ? 2 * count : count);
+    return result;
+  } catch (...) {
+    throw std::runtime_error("Failed convering units from " + siText(*this) + " to " + siText(to));
+  }
+}
+
+bool operator==(Unit const &a, Unit const &b) {
+  return a.getUnitType().getDimensions() == b.getUnitType().getDimensions() &&
+         a.getOffset() == b.getOffset() && a.getScale() == b.getScale() &&
+         a.getLogMultiplier() == b.getLogMultiplier() &&
+         a.getUnitsLabel(ReferenceTypeSemantics()) == b.getUnitsLabel(ReferenceTypeSemantics());
+}
+
+bool operator!=(Unit const &a, Unit const &b) {
+  return !(a == b);
+}
+
+namespace {
+
+Unit combined(UnitDimensions const &dims, std::string const &label) {
+  VxString const text(label);
+  return Unit(UnitType::findUnitType(dims, text), text, 1.0, 0.0, 0.0);
+}
+
+std::string labelOf(Unit const &unit) {
+  return unit.getUnitsLabel(ReferenceTypeSemantics()).toStdString();
+}
+
+}  // namespace
+
+Unit operator*(Unit const &a, Unit const &b) {
+  return combined(a.getUnitType().getDimensions() * b.getUnitType().getDimensions(),
+                  "(" + labelOf(a) + ")*" + labelOf(b));
+}
+
+Unit operator/(Unit const &a, Unit const &b) {
+  return combined(a.getUnitType().getDimensions() / b.getUnitType().getDimensions(),
+                  labelOf(a) + "/(" + labelOf(b) + ")");
+}
+
+Unit operator^(Unit const &a, int power) {
+  return combined(a.getUnitType().getDimensions() ^ power, "(" + labelOf(a) + ")^" + std::to_string(power));
+}
+
+}  // namespace Tarvex::VantraCore::Experimental

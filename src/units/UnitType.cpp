@@ -1,0 +1,282 @@
+#include <VantraCore/UnitType.h>
+
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <shared_mutex>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Tarvex::VantraCore::Experimental {
+
+namespace {
+
+struct Predefined {
+  char const *name;
+  char const *referenceSi;
+  int exponents[9];
+};
+
+// Registration order settles every "first hit" search, so it must not change.
+constexpr Predefined s_predefined[] = {
+    {"length", "m", {1, 0, 0, 0, 0, 0, 0, 0, 0}},
+    {"mass", "kg", {0, 1, 0, 0, 0, 0, 0, 0, 0}},
+    {"time", "s", {0, 0, 1, 0, 0, 0, 0, 0, 0}},
+    {"area", "m^2", {2, 0, 0, 0, 0, 0, 0, 0, 0}},
+    {"volume", "m^3", {3, 0, 0, 0, 0, 0, 0, 0, 0}},
+    {"plane angle", "rad", {0, 0, 0, 0, 0, 0, 0, 1, 0}},
+    {"solid angle", "sr", {0, 0, 0, 0, 0, 0, 0, 0, 1}},
+    {"velocity", "m/s", {1, 0, -1, 0, 0, 0, 0, 0, 0}},
+    {"acceleration", "m/s^2", {1, 0, -2, 0, 0, 0, 0, 0, 0}},
+    {"force", "N", {1, 1, -2, 0, 0, 0, 0, 0, 0}},
+    {"pressure", "Pa", {-1, 1, -2, 0, 0, 0, 0, 0, 0}},
+    {"energy", "J", {2, 1, -2, 0, 0, 0, 0, 0, 0}},
+    {"power", "W", {2, 1, -3, 0, 0, 0, 0, 0, 0}},
+    {"frequency", "Hz", {0, 0, -1, 0, 0, 0, 0, 0, 0}},
+    {"electric current", "A", {0, 0, 0, 1, 0, 0, 0, 0, 0}},
+    {"electric charge", "C", {0, 0, 1, 1, 0, 0, 0, 0, 0}},
+    {"electric potential", "V", {2, 1, -3, -1, 0, 0, 0, 0, 0}},
+    {"electric resistance", "\u03A9", {2, 1, -3, -2, 0, 0, 0, 0, 0}},
+    {"electric capacitance", "F", {-2, -1, 4, 2, 0, 0, 0, 0, 0}},
+    {"magnetic flux", "Wb", {2, 1, -2, -1, 0, 0, 0, 0, 0}},
+    {"magnetic flux density", "T", {0, 1, -2, -1, 0, 0, 0, 0, 0}},
+    {"inductance", "H", {2, 1, -2, -2, 0, 0, 0, 0, 0}},
+    {"conductance", "S", {-2, -1, 3, 2, 0, 0, 0, 0, 0}},
+    {"thermodynamic temperature", "K", {0, 0, 0, 0, 1, 0, 0, 0, 0}},
+    {"amount of substance", "mol", {0, 0, 0, 0, 0, 1, 0, 0, 0}},
+    {"luminous intensity", "cd", {0, 0, 0, 0, 0, 0, 1, 0, 0}},
+    {"luminous flux", "lm", {0, 0, 0, 0, 0, 0, 1, 0, 1}},
+    {"illuminance", "lx", {-2, 0, 0, 0, 0, 0, 1, 0, 1}},
+    {"radioactivity", "Bq", {0, 0, -1, 0, 0, 0, 0, 0, 0}},
+    {"absorbed dose of radiation", "Gy", {2, 0, -2, 0, 0, 0, 0, 0, 0}},
+    {"equivalent dose of radiation", "Sv", {2, 0, -2, 0, 0, 0, 0, 0, 0}},
+    {"catalytic activity", "kat", {0, 0, -1, 0, 0, 1, 0, 0, 0}},
+    {"scalar", "", {0, 0, 0, 0, 0, 0, 0, 0, 0}},
+};
+
+enum PredefinedIndex : std::size_t {
+  electricCurrentIndex = 14,
+  electricPotentialIndex = 16,
+  dimensionlessIndex = 32
+};
+
+UnitDimensions dimensionsOf(Predefined const &row) {
+  int const *e = row.exponents;
+  return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
+}
+
+int exponentAt(UnitDimensions const &dims, std::size_t index) {
+  switch (index) {
+    case 0:
+      return dims.length();
+    case 1:
+      return dims.mass();
+    case 2:
+      return dims.time();
+    case 3:
+      return dims.electricalCurrent();
+    case 4:
+      return dims.thermodynamicTemperature();
+    case 5:
+      return dims.quantityOfSubstance();
+    case 6:
+      return dims.luminousIntensity();
+    case 7:
+      return dims.angle();
+    default:
+      return dims.solidAngle();
+  }
+}
+
+template <class Combine>
+UnitDimensions combine(UnitDimensions const &a, UnitDimensions const &b, Combine op) {
+  int e[9];
+  for (std::size_t i = 0; i < 9; ++i)
+    e[i] = op(exponentAt(a, i), exponentAt(b, i));
+  return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
+}
+
+}  // namespace
+
+UnitDimensions UnitDimensions::operator^(int power) const noexcept {
+  return combine(*this, *this, [power](int e, int) { return e * power; });
+}
+
+UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept {
+  return combine(a, b, [](int x, int y) { return x + y; });
+}
+
+UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept {
+  return combine(a, b, [](int x, int y) { return x - y; });
+}
+
+VxString UnitDimensions::SIUnitsString() const {
+  static char const *const symbols[9] = {"m", "kg", "s", "A", "K", "mol", "cd", "rad", "sr"};
+  std::string numerator;
+  std::string denominator;
+  bool severalBelow = false;
+  for (std::size_t i = 0; i < 9; ++i) {
+    // Widened so that the magnitude of INT_MIN prints correctly.
+    long long const e = exponentAt(*this, i);
+    if (e < 0) {
+      if (!denominator.empty()) {
+        severalBelow = true;
+        denominator += '*';
+      }
+      denominator += symbols[i];
+      if (e < -1) denominator += '^' + std::to_string(-e);
+    } else if (e > 0) {
+      if (!numerator.empty()) numerator += '*';
+      numerator += symbols[i];
+      if (e > 1) numerator += '^' + std::to_string(e);
+    }
+  }
+  std::string result = numerator.empty() ? std::string("1") : numerator;
+  if (!denominator.empty()) result += severalBelow ? "/(" + denominator + ")" : "/" + denominator;
+  return VxString(result);
+}
+
+// Entries live in a deque so that references handed out by create stay valid as it grows; the mutex
+// lets registration run beside lookups.
+struct __attribute__((visibility("hidden"))) UnitType::Registry {
+  std::shared_mutex mutex;
+  std::deque<UnitType> entries;
+};
+
+UnitType::Registry &UnitType::registry() {
+  static Registry *const instance = [] {
+    // Never destroyed: modules unloaded after this one may still hold and compare types.
+    auto *registry = new Registry;
+    for (Predefined const &row : s_predefined) {
+      UnitDimensions const dims = dimensionsOf(row);
+      VxString reference(row.referenceSi);
+      if (reference.empty()) reference = dims.SIUnitsString();
+      registry->entries.push_back(UnitType(VxString(row.name), reference, dims));
+    }
+    return registry;
+  }();
+  return *instance;
+}
+
+UnitType const &UnitType::registeredDimensionless() {
+  return registry().entries[dimensionlessIndex];
+}
+
+UnitType::UnitType() : m_name("none") {}
+
+UnitType::UnitType(VxString name, VxString referenceSi, UnitDimensions dims)
+    : m_name(std::move(name)), m_referenceSi(std::move(referenceSi)), m_dimensions(dims) {}
+
+UnitType const &UnitType::create(VxString name, UnitDimensions dims, VxString referenceSi) {
+  if (referenceSi.empty()) referenceSi = dims.SIUnitsString();
+  Registry &r = registry();
+  std::unique_lock<std::shared_mutex> const lock(r.mutex);
+  r.entries.push_back(UnitType(std::move(name), std::move(referenceSi), dims));
+  return r.entries.back();
+}
+
+UnitType const &UnitType::findByReferenceSiString(VxString const &referenceSi) {
+  Registry &r = registry();
+  {
+    std::shared_lock<std::shared_mutex> const lock(r.mutex);
+    for (UnitType const &entry : r.entries)
+      if (entry.m_referenceSi == referenceSi) return entry;
+  }
+  throw std::runtime_error("Could not find a UnitType with reference SI string " + referenceSi.toStdString());
+}
+
+namespace {
+
+template <class Entries>
+std::vector<UnitType> compatibleIn(Entries const &entries, UnitDimensions const &dims) {
+  std::vector<UnitType> result;
+  for (UnitType const &entry : entries)
+    if (entry.getDimensions() == dims) result.push_back(entry);
+  return result;
+}
+
+UnitType pickByName(std::vector<UnitType> const &compatible, VxString const &name) {
+  if (compatible.size() > 1) {
+    std::string_view const text(name.data(), name.size());
+    for (UnitType const &type : compatible) {
+      VxString const reference = type.getReferenceSIString();
+      if (text.find(std::string_view(reference.data(), reference.size())) != std::string_view::npos)
+        return type;
+    }
+  }
+  return compatible.front();
+}
+
+}  // namespace
+
+std::vector<UnitType> const UnitType::findCompatibleTypes(UnitDimensions const &dims) {
+  Registry &r = registry();
+  std::shared_lock<std::shared_mutex> const lock(r.mutex);
+  return compatibleIn(r.entries, dims);
+}
+
+UnitType const UnitType::findUnitType(UnitDimensions const &dims, VxString const &name) {
+  std::vector<UnitType> compatible = findCompatibleTypes(dims);
+  if (!compatible.empty()) return pickByName(compatible, name);
+  // Looked at again under the writer's lock, so that racing callers register one type, not several.
+  Registry &r = registry();
+  std::unique_lock<std::shared_mutex> const lock(r.mutex);
+  compatible = compatibleIn(r.entries, dims);
+  if (!compatible.empty()) return pickByName(compatible, name);
+  r.entries.push_back(UnitType(name, dims.SIUnitsString(), dims));
+  return r.entries.back();
+}
+
+UnitType::DecibelType UnitType::getDBType(UnitType const &type) {
+  UnitDimensions const dims = type.m_dimensions;
+  bool const amplitude = dims == dimensionsOf(s_predefined[electricPotentialIndex]) ||
+                         dims == dimensionsOf(s_predefined[electricCurrentIndex]);
+  return amplitude ? dbAmplitude : dbPower;
+}
+
+bool UnitType::operator==(UnitType const &other) const {
+  return m_name == other.m_name && m_dimensions == other.m_dimensions;
+}
+
+// Copies of the registry's entries, made in registration order while the library loads.
+#define VANTRACORE_PREDEFINED_TYPE(member, index) \
+  UnitType const UnitType::member = UnitType::registry().entries[index]
+VANTRACORE_PREDEFINED_TYPE(s_length, 0);
+VANTRACORE_PREDEFINED_TYPE(s_mass, 1);
+VANTRACORE_PREDEFINED_TYPE(s_time, 2);
+VANTRACORE_PREDEFINED_TYPE(s_area, 3);
+VANTRACORE_PREDEFINED_TYPE(s_volume, 4);
+VANTRACORE_PREDEFINED_TYPE(s_planeAngle, 5);
+VANTRACORE_PREDEFINED_TYPE(s_solidAngle, 6);
+VANTRACORE_PREDEFINED_TYPE(s_velocity, 7);
+VANTRACORE_PREDEFINED_TYPE(s_acceleration, 8);
+VANTRACORE_PREDEFINED_TYPE(s_force, 9);
+VANTRACORE_PREDEFINED_TYPE(s_pressure, 10);
+VANTRACORE_PREDEFINED_TYPE(s_energy, 11);
+VANTRACORE_PREDEFINED_TYPE(s_power, 12);
+VANTRACORE_PREDEFINED_TYPE(s_frequency, 13);
+VANTRACORE_PREDEFINED_TYPE(s_electricCurrent, 14);
+VANTRACORE_PREDEFINED_TYPE(s_electricCharge, 15);
+VANTRACORE_PREDEFINED_TYPE(s_electricPotential, 16);
+VANTRACORE_PREDEFINED_TYPE(s_electricResistance, 17);
+VANTRACORE_PREDEFINED_TYPE(s_electricCapacitance, 18);
+VANTRACORE_PREDEFINED_TYPE(s_magneticFlux, 19);
+VANTRACORE_PREDEFINED_TYPE(s_magneticFluxDensity, 20);
+VANTRACORE_PREDEFINED_TYPE(s_inductance, 21);
+VANTRACORE_PREDEFINED_TYPE(s_conductance, 22);
+VANTRACORE_PREDEFINED_TYPE(s_thermodynamicTemperature, 23);
+VANTRACORE_PREDEFINED_TYPE(s_amountOfSubstance, 24);
+VANTRACORE_PREDEFINED_TYPE(s_luminousIntensity, 25);
+VANTRACORE_PREDEFINED_TYPE(s_luminousFlux, 26);
+VANTRACORE_PREDEFINED_TYPE(s_illuminance, 27);
+VANTRACORE_PREDEFINED_TYPE(s_radioactivity, 28);
+VANTRACORE_PREDEFINED_TYPE(s_absorbedDose, 29);
+VANTRACORE_PREDEFINED_TYPE(s_equivalentDose, 30);
+VANTRACORE_PREDEFINED_TYPE(s_catalyticActivity, 31);
+VANTRACORE_PREDEFINED_TYPE(s_dimensionless, dimensionlessIndex);
+#undef VANTRACORE_PREDEFINED_TYPE
+
+}  // namespace Tarvex::VantraCore::Experimental
