@@ -28,9 +28,11 @@
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringUtilities.h>
+#include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Time.h>
 #include <VantraCore/TransmuteVariant.h>
 #include <VantraCore/Unit.h>
+#include <VantraCore/UnitString.h>
 #include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VectorVariantData.h>
