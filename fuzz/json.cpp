@@ -1,7 +1,9 @@
-// The JSON readers, variant and tree, on arbitrary text. Whatever a reader accepts its writer must
+// The JSON readers of the three fidelities, variant and tree, on arbitrary text. Whatever a reader accepts its writer must
 // write, and that text must read back to a value that writes the same text again. Failures must be
 // standard exceptions, never crashes.
 #include <VantraCore/JsonFormatter.h>
+#include <VantraCore/JsonFormatterLowFidelity.h>
+#include <VantraCore/JsonFormatterMidFidelity.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -41,6 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
   VxString const text(reinterpret_cast<char const *>(data), size);
   try {
     readerPair<JsonFormatter>(text);
+    readerPair<JsonFormatterMidFidelity>(text);
+    readerPair<JsonFormatterLowFidelity>(text);
   } catch (...) {
     std::abort();
   }
