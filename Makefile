@@ -87,7 +87,8 @@ fuzz-build: $(FUZZ_BUILD)/CMakeCache.txt
 fuzz: fuzz-build
 	@set -e; mkdir -p $(FUZZ_BUILD)/artifacts; for f in $(FUZZERS); do \
 	  echo "== fuzz_$$f for $(TIME) s"; mkdir -p $(FUZZ_BUILD)/corpus/$$f; \
-	  if ! ASAN_OPTIONS=$(ASAN_OPTIONS):allocator_may_return_null=1 $(FUZZ_BUILD)/fuzz/fuzz_$$f \
+	  dict=; if [ -f fuzz/$$f.dict ]; then dict=-dict=fuzz/$$f.dict; fi; \
+	  if ! ASAN_OPTIONS=$(ASAN_OPTIONS):allocator_may_return_null=1 $(FUZZ_BUILD)/fuzz/fuzz_$$f $$dict \
 	      -max_total_time=$(TIME) -timeout=20 -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/artifacts/$$f- \
 	      $(FUZZ_BUILD)/corpus/$$f fuzz/corpus/$$f >$(FUZZ_BUILD)/fuzz_$$f.log 2>&1; then \
 	    tail -n 80 $(FUZZ_BUILD)/fuzz_$$f.log; exit 1; \

@@ -74,30 +74,6 @@ UnitSymbolRow const s_unitSymbols[] = {
     {"sr", "steradians", &UnitType::s_solidAngle, 1},
 };
 
-// Exponents in the parser are summed, subtracted and multiplied with two's-complement wrap-around, so
-// that an absurd text such as "F^1000000000" gives some answer rather than overflow.
-using Exponents = std::array<std::int32_t, 9>;
-
-std::int32_t wrap(std::uint32_t value) noexcept {
-  return static_cast<std::int32_t>(value);
-}
-
-Exponents exponentsOf(UnitDimensions const &d) noexcept {
-  return {d.length(),
-          d.mass(),
-          d.time(),
-          d.electricalCurrent(),
-          d.thermodynamicTemperature(),
-          d.quantityOfSubstance(),
-          d.luminousIntensity(),
-          d.angle(),
-          d.solidAngle()};
-}
-
-UnitDimensions dimensionsOf(Exponents const &e) noexcept {
-  return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
-}
-
 // `std::stoi` of "[+-]?[1-9][0-9]*": the pattern guarantees the digits, so only the range can fail.
 int exponentValue(std::string_view digits) {
   if (!digits.empty() && digits.front() == '+') digits.remove_prefix(1);
@@ -111,13 +87,13 @@ int exponentValue(std::string_view digits) {
 // The parser's policy: dimensions and scale.
 struct Quantity {
   struct Value {
-    Exponents exponents{};
+    UnitDimensions dimensions;
     double scale = 1.0;
   };
 
   static void atom(UnitAtomGroups const &groups, Value &value) {
     double b = 1.0;
-    Exponents d{};
+    UnitDimensions d;
     if (!groups.prefix.empty()) {
       for (PrefixRow const &row : s_prefixes) {
         if (row.symbol == groups.prefix) {
@@ -129,7 +105,7 @@ struct Quantity {
     // "°" and "°C" have no row: they stay dimensionless and keep only the prefix's factor.
     for (UnitSymbolRow const &row : s_unitSymbols) {
       if (row.symbol == groups.unit) {
-        d = exponentsOf(row.type->getDimensions());
+        d = row.type->getDimensions();
         b *= row.scale;
         break;
       }
@@ -137,26 +113,19 @@ struct Quantity {
     if (!groups.exponent.empty()) {
       int const n = exponentValue(groups.exponent.substr(1));
       if (b != 1.0) b = n == 2 ? b * b : std::pow(b, n);
-      for (std::int32_t &e : d)
-        e = wrap(static_cast<std::uint32_t>(e) * static_cast<std::uint32_t>(n));
+      d = d ^ n;
     }
-    value.exponents = d;
+    value.dimensions = d;
     value.scale = b;
   }
-  static void one(Value &value) noexcept { value.exponents = {}; }
+  static void one(Value &value) noexcept { value.dimensions = UnitDimensions(); }
   static void multiply(Value &left, Value const &right) noexcept {
-    combine(left.exponents, right.exponents, 1u);
+    left.dimensions = left.dimensions * right.dimensions;
     left.scale *= right.scale;
   }
   static void divide(Value &left, Value const &right) noexcept {
-    combine(left.exponents, right.exponents, ~0u);
+    left.dimensions = left.dimensions / right.dimensions;
     left.scale /= right.scale;
-  }
-  // left + sign * right, exponent by exponent; `sign` is 1 or all ones (minus one).
-  static void combine(Exponents &left, Exponents const &right, std::uint32_t sign) noexcept {
-    for (std::size_t i = 0; i < left.size(); ++i) {
-      left[i] = wrap(static_cast<std::uint32_t>(left[i]) + sign * static_cast<std::uint32_t>(right[i]));
-    }
   }
 };
 
@@ -165,9 +134,9 @@ using Parser = UnitGrammar<Quantity>;
 // Runs one grammar step on the public types of the step functions.
 template <class Step>
 bool runStep(Step step, std::string_view s, UnitDimensions &dims, double &scale, std::string_view &rest) {
-  Quantity::Value value{exponentsOf(dims), scale};
+  Quantity::Value value{dims, scale};
   bool const matched = step(s, value, rest);
-  dims = dimensionsOf(value.exponents);
+  dims = value.dimensions;
   scale = value.scale;
   return matched;
 }
@@ -204,7 +173,7 @@ ParsedUnitText parseUnitsText(std::string_view text) {
     parsed.type = UnitType::dimensionless();
     return parsed;
   }
-  parsed.type = UnitType::findUnitType(dimensionsOf(value.exponents), VxString(text.data(), text.size()));
+  parsed.type = UnitType::findUnitType(value.dimensions, VxString(text.data(), text.size()));
   if (form == UnitTextForm::decibel) {
     parsed.logMultiplier = UnitType::getDBType(parsed.type) == UnitType::dbAmplitude ? 20.0 : 10.0;
   } else if (form == UnitTextForm::logarithm) {

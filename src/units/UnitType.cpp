@@ -95,22 +95,25 @@ template <class Combine>
 UnitDimensions combine(UnitDimensions const &a, UnitDimensions const &b, Combine op) {
   int e[9];
   for (std::size_t i = 0; i < 9; ++i)
-    e[i] = op(exponentAt(a, i), exponentAt(b, i));
+    e[i] = static_cast<int>(
+        op(static_cast<std::uint32_t>(exponentAt(a, i)), static_cast<std::uint32_t>(exponentAt(b, i))));
   return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
 }
 
 }  // namespace
 
+// Exponents wrap around in 32 bits, so that an absurd text such as "F^1000000000" or a huge power
+// gives some answer rather than overflow.
 UnitDimensions UnitDimensions::operator^(int power) const noexcept {
-  return combine(*this, *this, [power](int e, int) { return e * power; });
+  return combine(*this, *this, [power](std::uint32_t e, std::uint32_t) { return e * std::uint32_t(power); });
 }
 
 UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept {
-  return combine(a, b, [](int x, int y) { return x + y; });
+  return combine(a, b, [](std::uint32_t x, std::uint32_t y) { return x + y; });
 }
 
 UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept {
-  return combine(a, b, [](int x, int y) { return x - y; });
+  return combine(a, b, [](std::uint32_t x, std::uint32_t y) { return x - y; });
 }
 
 VxString UnitDimensions::SIUnitsString() const {
