@@ -77,7 +77,7 @@ void convertDocument(ConvertOptions const &options) {
   VxVariant converted =
       withContext("cannot convert " + where, [&] { return convertElements(target.value(), from, to); });
   target = std::move(converted);
-  if (unit != nullptr) *unit = VxString(options.to);
+  if (unit != nullptr && unit != &target) *unit = VxString(options.to);
   std::cout << documentText(tree, Fidelity::full, options.indent);
 }
 
