@@ -38,12 +38,13 @@ std::string fraction(std::int64_t femtos) {
   return "." + digits;
 }
 
+// The magnitude is split, not the negated count: the most negative count has no positive twin.
 std::string durationText(Duration value) {
   int128_t const count = value.count();
-  bool const negative = count < int128_t(0);
-  std::int64_t seconds = 0, femtos = 0;
-  if (!splitSeconds(negative ? -count : count, seconds, femtos)) return count.str() + " fs";
-  return (negative ? "-" : "") + std::to_string(seconds) + fraction(femtos) + " s";
+  Internal::uint128_t const magnitude = count.magnitude();
+  Internal::uint128_t const perSecond(femtosPerSecond);
+  std::int64_t const femtos = static_cast<std::int64_t>(magnitude % perSecond);
+  return (count.isNegative() ? "-" : "") + (magnitude / perSecond).str() + fraction(femtos) + " s";
 }
 
 std::string timestampText(Timestamp value) {
