@@ -22,8 +22,11 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
+# The bundled measurement: its supply channel converted from mV to V, then drawn.
+VANTRA = $(BUILD)/tools/vantra/vantra
 run: build
-	$(BUILD)/examples/tour
+	$(VANTRA) convert examples/measurement.json --at channels/0/samples --to V >$(BUILD)/measurement-V.json
+	$(VANTRA) show $(BUILD)/measurement-V.json
 
 bench: build
 	@set -e; for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.2; done
@@ -75,7 +78,8 @@ $(FUZZ_BUILD)/CMakeCache.txt:
 	@bash scripts/setup.sh
 	cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
 	  -DVANTRACORE_SANITIZE=address,undefined -DVANTRACORE_BUILD_FUZZ=ON \
-	  -DVANTRACORE_BUILD_TESTS=OFF -DVANTRACORE_BUILD_BENCH=OFF -DVANTRACORE_BUILD_EXAMPLES=OFF
+	  -DVANTRACORE_BUILD_TESTS=OFF -DVANTRACORE_BUILD_BENCH=OFF -DVANTRACORE_BUILD_EXAMPLES=OFF \
+	  -DVANTRACORE_BUILD_TOOLS=OFF
 
 fuzz-build: $(FUZZ_BUILD)/CMakeCache.txt
 	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
