@@ -2,12 +2,10 @@
 
 #include "Errors.h"
 
-#include <complex>
 #include <cstdint>
 #include <locale>
 #include <sstream>
 #include <stdexcept>
-#include <vector>
 
 namespace vantra {
 
@@ -32,21 +30,6 @@ void requireCommensurable(std::string const &fromText, Unit const &from, std::st
 
 namespace {
 
-// The variant's own conversion takes units with equal SI text for equal units and leaves the values
-// as they are ("km/h" and "m/s"); converting element by element always applies scale and offset.
-template <class Number>
-VxVariant convertEach(VxVariant const &value, Unit const &from, Unit const &to) {
-  std::vector<Number> converted;
-  converted.reserve(static_cast<std::size_t>(value.numberOfElements()));
-  for (Number const &element : value.asIterable<Number>(conversionCast))
-    converted.push_back(from.convertTo(to, element));
-  if (value.isScalarStorage() && converted.size() == 1) return VxVariant(converted.front());
-  ArrayDimensionsView const dims = value.dimensions();
-  std::vector<std::uint64_t> shape(dims.sizes, dims.sizes + dims.count);
-  if (converted.empty()) return VxVariant::withShape<Number>(std::move(shape), value.dataOrdering());
-  return VxVariant(std::move(converted), std::move(shape), value.dataOrdering());
-}
-
 // Truth values have a numeric base too, but no unit.
 bool isNumberKind(WellKnownType kind) {
   using Internal::WellKnownTypeValue;
@@ -61,9 +44,11 @@ VxVariant convertElements(VxVariant const &value, Unit const &from, Unit const &
   WellKnownType const kind = value.wellKnownDataType();
   if (!isNumberKind(kind))
     throw std::invalid_argument("the values are of kind " + std::string(kind.toString()) + ", not numbers");
-  if (static_cast<std::uint16_t>(kind.value()) & Internal::wellKnownTypeComplexBit)
-    return convertEach<std::complex<double>>(value, from, to);
-  return convertEach<double>(value, from, to);
+  // The whole-array conversion passes values through untouched when both units have the same SI text
+  // ("km/h" and "m/s"). A source text that no unit has makes it apply scale and offset every time.
+  Unit source = from;
+  source.setSiUnits(VxString("\x01"));
+  return source.convertTo(to, value);
 }
 
 std::string numberText(double value) {

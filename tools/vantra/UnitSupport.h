@@ -16,9 +16,9 @@ Unit lookupUnit(std::string const &text);
 void requireCommensurable(std::string const &fromText, Unit const &from, std::string const &toText,
                           Unit const &to);
 
-// Every element of `value` converted from `from` to `to`, with scale, offset and logarithm applied to
-// each, as doubles (complex doubles for complex kinds) of the same shape and ordering. Elements that
-// are not numbers throw std::invalid_argument naming their kind.
+// Every element of `value` converted from `from` to `to` in one pass, with scale, offset and logarithm
+// applied to each, as doubles (complex doubles for complex kinds) of the same shape and ordering.
+// Elements that are not numbers throw std::invalid_argument naming their kind.
 Tarvex::VantraCore::VxVariant convertElements(Tarvex::VantraCore::VxVariant const &value, Unit const &from,
                                               Unit const &to);
 
