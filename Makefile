@@ -22,8 +22,11 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
+# The bundled measurement: its supply channel converted from mV to V, then drawn.
+VANTRA = $(BUILD)/tools/vantra/vantra
 run: build
-	$(BUILD)/examples/tour
+	$(VANTRA) convert examples/measurement.json --at channels/0/samples --to V >$(BUILD)/measurement-V.json
+	$(VANTRA) show $(BUILD)/measurement-V.json
 
 bench: build
 	@set -e; for b in $(BUILD)/bench/bench_*; do echo "== $$b"; $$b --benchmark_min_time=0.2; done
@@ -75,7 +78,8 @@ $(FUZZ_BUILD)/CMakeCache.txt:
 	@bash scripts/setup.sh
 	cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
 	  -DVANTRACORE_SANITIZE=address,undefined -DVANTRACORE_BUILD_FUZZ=ON \
-	  -DVANTRACORE_BUILD_TESTS=OFF -DVANTRACORE_BUILD_BENCH=OFF -DVANTRACORE_BUILD_EXAMPLES=OFF
+	  -DVANTRACORE_BUILD_TESTS=OFF -DVANTRACORE_BUILD_BENCH=OFF -DVANTRACORE_BUILD_EXAMPLES=OFF \
+	  -DVANTRACORE_BUILD_TOOLS=OFF
 
 fuzz-build: $(FUZZ_BUILD)/CMakeCache.txt
 	cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
@@ -83,7 +87,8 @@ fuzz-build: $(FUZZ_BUILD)/CMakeCache.txt
 fuzz: fuzz-build
 	@set -e; mkdir -p $(FUZZ_BUILD)/artifacts; for f in $(FUZZERS); do \
 	  echo "== fuzz_$$f for $(TIME) s"; mkdir -p $(FUZZ_BUILD)/corpus/$$f; \
-	  if ! ASAN_OPTIONS=$(ASAN_OPTIONS):allocator_may_return_null=1 $(FUZZ_BUILD)/fuzz/fuzz_$$f \
+	  dict=; if [ -f fuzz/$$f.dict ]; then dict=-dict=fuzz/$$f.dict; fi; \
+	  if ! ASAN_OPTIONS=$(ASAN_OPTIONS):allocator_may_return_null=1 $(FUZZ_BUILD)/fuzz/fuzz_$$f $$dict \
 	      -max_total_time=$(TIME) -timeout=20 -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/artifacts/$$f- \
 	      $(FUZZ_BUILD)/corpus/$$f fuzz/corpus/$$f >$(FUZZ_BUILD)/fuzz_$$f.log 2>&1; then \
 	    tail -n 80 $(FUZZ_BUILD)/fuzz_$$f.log; exit 1; \

@@ -2,7 +2,10 @@
 // (make test-tsan) these are the race checks; in the plain build they check the outcomes.
 #include <VantraCore/ExceptionReporter.h>
 #include <VantraCore/ExceptionWithMoreInfo.h>
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/InternedString.h>
+#include <VantraCore/JsonFormatter.h>
+#include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/VectorVariantData.h>
@@ -204,4 +207,37 @@ TEST(Concurrency, ScratchDirectoriesFromSeveralThreads) {
       distinct.insert(path.toStdString());
     }
   EXPECT_EQ(distinct.size(), std::size_t(threadCount * 10));
+}
+
+// A frozen tree is shared without locks: every thread copies handles, walks, resolves paths, writes
+// JSON and thaws, while the counts of the shared nodes move on all threads at once.
+TEST(Concurrency, FrozenTreeReadFromManyThreads) {
+  PropertyNode channel;
+  channel.set("samples", VxVariant(std::vector<std::int32_t>{1, 2, 3, 4}, {2, 2}));
+  channel.set("unit", VxVariant(VxString("mV")));
+  PropertyList channels;
+  for (int i = 0; i < 4; ++i)
+    channels.push_back(channel);
+  PropertyNode root;
+  root.set("name", VxVariant(VxString("rig")));
+  root.set("channels", PropertyNode(std::move(channels)));
+  FPropertyNode const frozen(root);
+  VxString const expectedJson = JsonFormatter::serialize(frozen);
+
+  onThreads([&](int) {
+    for (int round = 0; round < 100; ++round) {
+      FPropertyNode const mine = frozen;
+      std::int64_t sum = 0;
+      for (FPropertyNode const &entry : mine.map().at("channels").list())
+        for (std::int32_t x : entry.map().at("samples").value().asIterable<std::int32_t>())
+          sum += x;
+      EXPECT_EQ(sum, 40);
+      EXPECT_EQ(resolvePropertyPath(mine, PropertyPath({"channels", 3, "unit"})).value().get<VxString>(),
+                VxString("mV"));
+      if (round % 10 == 0) {
+        EXPECT_EQ(JsonFormatter::serialize(mine), expectedJson);
+        EXPECT_EQ(mine.thaw(), root);
+      }
+    }
+  });
 }

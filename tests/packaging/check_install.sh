@@ -1,13 +1,17 @@
 #!/usr/bin/env bash
-# Installs the built tree into a scratch prefix and builds a consumer against it twice: once through
-# the CMake package, once through pkg-config. Optional: the compiler and the flags (those of a
-# sanitized library) to build the consumer with.
+# Installs the built tree into a scratch prefix, builds examples/consumer against it twice (through
+# the CMake package, then through pkg-config) and runs both on the bundled example. The installed
+# tool, which must find the library by its own RUNPATH, converts the same channel and must write the
+# same document. Optional: the compiler and the flags (those of a sanitized library) to build the
+# consumer with.
 set -euo pipefail
 build="$1"
 work="$2"
 cxx="${3:-g++}"
 flags="${4:-}"
-here="$(cd "$(dirname "$0")" && pwd)"
+root="$(cd "$(dirname "$0")/../.." && pwd)"
+consumer="$root/examples/consumer"
+example="$root/examples/measurement.json"
 rm -rf "$work"
 prefix="$work/prefix"
 cmake --install "$build" --prefix "$prefix" >/dev/null
@@ -17,12 +21,19 @@ for f in include/VantraCore/VantraCore.h lib/libVantraCore-0.so lib/cmake/Vantra
   [ -e "$prefix/$f" ] || { echo "missing after install: $f"; exit 1; }
 done
 
-cmake -S "$here/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+cmake -S "$consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
 cmake --build "$work/consumer" >/dev/null
-LD_LIBRARY_PATH="$prefix/lib" "$work/consumer/consumer"
+LD_LIBRARY_PATH="$prefix/lib" "$work/consumer/consumer" "$example" >"$work/converted.json"
 
 # $flags splits into words on purpose.
-PKG_CONFIG_PATH="$prefix/lib/pkgconfig" "$cxx" $flags -o "$work/consumer_pc" "$here/consumer/main.cpp" \
+PKG_CONFIG_PATH="$prefix/lib/pkgconfig" "$cxx" $flags -o "$work/consumer_pc" "$consumer/main.cpp" \
   $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs VantraCore-0)
-LD_LIBRARY_PATH="$prefix/lib" "$work/consumer_pc"
+LD_LIBRARY_PATH="$prefix/lib" "$work/consumer_pc" "$example" | cmp - "$work/converted.json"
+
+if [ -e "$build/tools/vantra/vantra" ]; then
+  [ -x "$prefix/bin/vantra" ] || { echo "missing after install: bin/vantra"; exit 1; }
+  env -u LD_LIBRARY_PATH "$prefix/bin/vantra" convert "$example" --at channels/0/samples --to V |
+    cmp - "$work/converted.json"
+fi
+echo "install check passed"

@@ -3,9 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 using namespace Tarvex::VantraCore;
 using testing::StrEq;
 using testing::ThrowsMessage;
@@ -83,26 +80,6 @@ TEST(FPropertyNode, ThawsBackToAnEqualTreeAndWalksPaths) {
         resolvePropertyPath(frozen, PropertyPath({"a", "b"}));
       },
       ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a map")));
-}
-
-TEST(FPropertyNode, ManyThreadsReadOneTree) {
-  FPropertyNode const frozen(sample());
-  std::vector<std::thread> readers;
-  std::vector<int> sums(4, 0);
-  for (int &sum : sums) {
-    readers.emplace_back([frozen, &sum] {
-      for (int i = 0; i < 500; ++i) {
-        FPropertyNode const mine = frozen;  // counts move on every thread at once
-        for (FPropertyMapEntry const &entry : mine.map()) {
-          if (entry.node.kind() == PropertyNodeKind::Value) sum += entry.node.value().get<int>();
-        }
-        sum += static_cast<int>(mine.map().at("list").list().size());
-      }
-    });
-  }
-  for (std::thread &reader : readers)
-    reader.join();
-  EXPECT_EQ(sums, std::vector<int>(4, 2000));
 }
 
 }  // namespace

@@ -1,0 +1,60 @@
+// Unit texts: the validator and the parser must agree on every text, except that an exponent beyond
+// int passes the validator and fails the parser. Whatever parses converts without crashing, and the
+// lenient lookup of the system of units fails only by exception.
+#include <VantraCore/SystemOfUnits.h>
+#include <VantraCore/Unit.h>
+#include <VantraCore/UnitString.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <limits>
+#include <stdexcept>
+#include <string_view>
+
+using namespace Tarvex::VantraCore;
+using namespace Tarvex::VantraCore::Experimental;
+
+namespace {
+
+// True when some "^" is followed by a signed run of digits whose value does not fit an int.
+bool hasExponentBeyondInt(std::string_view text) {
+  for (std::size_t at = text.find('^'); at != std::string_view::npos; at = text.find('^', at + 1)) {
+    std::size_t i = at + 1;
+    bool const negative = i < text.size() && text[i] == '-';
+    if (i < text.size() && (text[i] == '+' || text[i] == '-')) ++i;
+    long long value = 0;
+    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+      value = value * 10 + (text[i] - '0');
+      if (value > std::numeric_limits<int>::max() + 1LL) break;
+    }
+    if (value > std::numeric_limits<int>::max() + (negative ? 1LL : 0LL)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
+  VxString const text(reinterpret_cast<char const *>(data), size);
+  try {
+    bool const valid = Internal::IviUnitImplementation::validateIviUnitString(text);
+    bool parsed = false;
+    try {
+      Unit const unit = Unit::fromIviUnitString(text);
+      parsed = true;
+      static_cast<void>(unit.convertTo(unit, 1.0));
+      static_cast<void>(unit.convertTo(Unit::fromIviUnitString(VxString("V")), 2.0));
+    } catch (std::runtime_error const &) {
+    }
+    if (parsed && !valid) std::abort();
+    if (valid && !parsed && !hasExponentBeyondInt(std::string_view(text.data(), text.size()))) std::abort();
+    try {
+      static_cast<void>(SystemOfUnits::instance().getUnitsFromString(text));
+    } catch (std::exception const &) {
+    }
+  } catch (...) {
+    std::abort();
+  }
+  return 0;
+}
