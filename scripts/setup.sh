@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, clang and its sanitizer runtimes for the fuzz targets
-# among them. Idempotent: does nothing when all are present.
+# among them, and libc++ for the client that proves the binary boundary against another standard
+# library. Idempotent: does nothing when all are present.
 set -euo pipefail
 
 packages=(
@@ -8,7 +9,7 @@ packages=(
   nlohmann-json3-dev libutfcpp-dev
   libcli11-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
-  clang libclang-rt-14-dev
+  clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev
 )
 
 missing=()

@@ -27,6 +27,7 @@
 #include <VantraCore/PropertyPath.h>
 #include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
+#include <VantraCore/StringCApi.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Time.h>

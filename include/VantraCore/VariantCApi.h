@@ -7,27 +7,25 @@
  * 0 (row-major) and 1 (column-major), policies the 32-bit conversion policies. */
 
 #include <VantraCore/Export.h>
+#include <VantraCore/StringCApi.h>
 
 #ifdef __cplusplus
 #include <VantraCore/ArrayIndexing.h>
-#include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/IVariantData.h>
 
 #include <cstdint>
+#include <type_traits>
 
-typedef Tarvex::VantraCore::Internal::TransportRecord VxTransportRecord;
 typedef Tarvex::VantraCore::Internal::IVariantData VxVariantData;
 typedef Tarvex::VantraCore::ArrayDimensionsView VxArrayDimensionsView;
+static_assert(std::is_trivially_copyable_v<VxArrayDimensionsView> && sizeof(VxArrayDimensionsView) == 16,
+              "the shape crosses as two plain words");
 #define VANTRACORE_C_NOEXCEPT noexcept
 extern "C" {
 #else
 #include <stdbool.h>
 #include <stdint.h>
 
-typedef struct VxTransportRecord {
-  char const *exceptionName; /* null when the call succeeded */
-  char message[200];
-} VxTransportRecord;
 typedef struct VxVariantData VxVariantData;
 typedef struct VxArrayDimensionsView {
   uint64_t const *sizes;
@@ -67,8 +65,17 @@ VANTRACORE_API void VxVariantData_C_API_destruct(VxTransportRecord *record,
 
 VANTRACORE_API void const *VxVariantData_C_API_constStoredData(
     VxTransportRecord *record, VxVariantData const *data) VANTRACORE_C_NOEXCEPT;
+/* C++ sees the shape as a class with constructors, C as a plain pair; both are the same two words and
+ * come back in the same two registers, so the C++ side's warning about it says nothing here. */
+#if defined(__cplusplus) && defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
+#endif
 VANTRACORE_API VxArrayDimensionsView
 VxVariantData_C_API_dimensions(VxTransportRecord *record, VxVariantData const *data) VANTRACORE_C_NOEXCEPT;
+#if defined(__cplusplus) && defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 VANTRACORE_API uint32_t VxVariantData_C_API_dataOrdering(VxTransportRecord *record,
                                                          VxVariantData const *data) VANTRACORE_C_NOEXCEPT;
 VANTRACORE_API uint16_t VxVariantData_C_API_wellKnownDataType(

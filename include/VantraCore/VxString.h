@@ -2,6 +2,7 @@
 
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
+#include <VantraCore/StringCApi.h>
 #include <VantraCore/VxStringView.h>
 
 #include <algorithm>
@@ -14,50 +15,6 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
-
-namespace Tarvex::VantraCore::Internal {
-
-// The shared record, a binary format between modules: 32-bit atomic count, 4 bytes padding, 64-bit
-// length, then the text and a NUL, all in one allocation. Only the C functions below look inside.
-struct VxStringRecord;
-
-// What VxStringData_C_API_constructCStringWithSize answers: the record and where its text goes.
-struct VxStringRecordAndText {
-  VxStringRecord *record;
-  char *text;
-};
-
-}  // namespace Tarvex::VantraCore::Internal
-
-extern "C" {
-
-// Makes a record with count 1 holding a copy of `length` bytes and a NUL. Failures (std::bad_alloc
-// for a length that cannot be allocated) go into `transport` and the result is null.
-VANTRACORE_API Tarvex::VantraCore::Internal::VxStringRecord *VxStringData_C_API_constructCString(
-    Tarvex::VantraCore::Internal::TransportRecord *transport, char const *text,
-    std::uint64_t length) noexcept;
-
-// Makes a record with count 1 and room for `length` bytes and a NUL, copying nothing: the caller
-// writes the text and owes the terminator. Failures give {null, null}.
-VANTRACORE_API Tarvex::VantraCore::Internal::VxStringRecordAndText
-VxStringData_C_API_constructCStringWithSize(Tarvex::VantraCore::Internal::TransportRecord *transport,
-                                            std::uint64_t length) noexcept;
-
-// Adds a reference; `record` must not be null.
-VANTRACORE_API Tarvex::VantraCore::Internal::VxStringRecord *VxStringData_C_API_copy(
-    Tarvex::VantraCore::Internal::VxStringRecord *record) noexcept;
-
-// Gives up a reference and frees the record with the last one; null does nothing.
-VANTRACORE_API void VxStringData_C_API_destruct(
-    Tarvex::VantraCore::Internal::VxStringRecord *record) noexcept;
-
-VANTRACORE_API char const *VxStringData_C_API_getConstDataPointer(
-    Tarvex::VantraCore::Internal::VxStringRecord const *record) noexcept;
-
-VANTRACORE_API std::uint64_t VxStringData_C_API_getLength(
-    Tarvex::VantraCore::Internal::VxStringRecord const *record) noexcept;
-
-}  // extern "C"
 
 namespace Tarvex::VantraCore {
 

@@ -1,24 +1,9 @@
 /* A C module that drives the variant holders through the C functions alone: it builds an array,
  * reads it, writes a private copy, hands in bad input, and gives back every reference it took. */
 #include <VantraCore/VariantCApi.h>
+#include <support/CCheck.h>
 
-#include <stdio.h>
 #include <string.h>
-
-static int failures = 0;
-
-#define CHECK(condition)                                              \
-  do {                                                                \
-    if (!(condition)) {                                               \
-      fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition); \
-      ++failures;                                                     \
-    }                                                                 \
-  } while (0)
-
-static int failedWith(VxTransportRecord const *record, char const *name, char const *message) {
-  return record->exceptionName != NULL && strcmp(record->exceptionName, name) == 0 &&
-         strcmp(record->message, message) == 0;
-}
 
 int main(void) {
   VxTransportRecord record;
@@ -59,6 +44,5 @@ int main(void) {
   CHECK(VxVariantData_C_API_dimensions(&record, line).sizes[0] == 5);
   VxVariantData_C_API_destruct(&record, line);
 
-  if (failures != 0) fprintf(stderr, "%d checks failed\n", failures);
-  return failures == 0 ? 0 : 1;
+  return checkResult();
 }
