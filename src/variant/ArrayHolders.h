@@ -41,8 +41,15 @@ inline bool sameDimensions(ArrayDimensionsView a, ArrayDimensionsView b) noexcep
 }
 
 // A view with entries but no sizes would be read through a null pointer.
+// A shape whose element count does not fit 64 bits would wrap to a small count and leave the sizes
+// naming elements that do not exist, so it is refused before anything is allocated.
 inline void requireSizes(ArrayDimensionsView dims) {
   if (dims.count != 0 && dims.sizes == nullptr) throw std::invalid_argument("Dimension sizes missing.");
+  if (std::find(dims.begin(), dims.end(), std::uint64_t(0)) != dims.end()) return;
+  std::uint64_t product = 1;
+  for (std::uint64_t size : dims)
+    if (__builtin_mul_overflow(product, size, &product))
+      throw std::length_error("Array dimensions give more elements than 64 bits can count.");
 }
 
 // Elements of the trivially copyable kinds are all-zero by default and copy as bytes; only VxString

@@ -56,6 +56,15 @@ void expectRuns(std::initializer_list<Expected> cases, int code) {
 char const scalarDocument[] =
     R"({"v":{"_data_":2500,"_wellknowntype_":"int32"},"unit":{"_data_":"mV","_wellknowntype_":"string"}})";
 
+// AddressSanitizer ends the process on an allocation it cannot serve instead of throwing.
+#ifndef __SANITIZE_ADDRESS__
+TEST(ToolTest, AShapeTooLargeForMemoryIsReportedAsSuch) {
+  expectRuns({{"show -", R"({"a":{"_data_":[1],"_dimensions_":[99999999999],"_wellknowntype_":"double"}})",
+               "", "vantra: cannot read standard input as full-fidelity JSON: out of memory\n"}},
+             2);
+}
+#endif
+
 TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
   expectRuns(
       {
@@ -73,7 +82,9 @@ TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
           {"json - --to fancy", "", "", "vantra: --to: fancy not in {full,mid,low} (see --help)\n"},
           {"show -",
            R"({"a":{"_data_":[1],"_dimensions_":[99999999999,99999999999],"_wellknowntype_":"double"}})", "",
-           "vantra: cannot read standard input as full-fidelity JSON: out of memory\n"},
+           "vantra: cannot read standard input as full-fidelity JSON: Array dimensions give more elements "
+           "than "
+           "64 bits can count.\n"},
           {"json - --from mid --to low", R"({"a":{"_data_":[1,2],"_dataorder_":"diagonal"}})", "",
            "vantra: cannot read standard input as mid-fidelity JSON: dataOrder value: 'diagonal' is not "
            "recognized in conversion from JSON.\n"},

@@ -82,6 +82,17 @@ TEST(ArrayFactories, ResolveAnOpenShapeEachByItsOwnRuleAndFillTheElements) {
   EXPECT_THROW(
       constructVariantVectorWithoutDataWithDimsUnresolved<double>(Dims{1u << 31, 1u << 31}, rowMajor),
       std::bad_alloc);
+  // A count beyond 64 bits would wrap to a small one; a zero size anywhere still makes an empty array.
+  std::uint64_t const half = std::uint64_t(1) << 32;
+  EXPECT_THAT(
+      [&] {
+        constructVariantVectorWithoutDataWithDimsUnresolved<double>(Dims{half, half}, rowMajor);
+      },
+      ThrowsMessage<std::length_error>("Array dimensions give more elements than 64 bits can count."));
+  EXPECT_EQ(HolderReference(
+                constructVariantVectorWithoutDataWithDimsUnresolved<double>(Dims{half, half, 0}, rowMajor))
+                ->numberAllocatedElements(),
+            0u);
 }
 
 TEST(ArrayReshape, VectorKeepsItsStorageAndTheLengthOfItsList) {
