@@ -4,12 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <typeinfo>
 
 using namespace Tarvex::VantraCore::Experimental;
 using testing::ElementsAre;
 using testing::Throws;
-using testing::ThrowsMessage;
 
 namespace {
 
@@ -42,7 +43,7 @@ std::string messageOf(std::exception_ptr const &thrown, std::vector<std::string>
 template <class Expected, class E>
 void expectEnrichedAs(E const &original) {
   EXPECT_THAT([&] { throwThrough(std::make_exception_ptr(original), {"ctx"}); },
-              ThrowsMessage<ExceptionWithMoreInfo<Expected>>("ctx: " + std::string(original.what())))
+              throws<ExceptionWithMoreInfo<Expected>>("ctx: " + std::string(original.what())))
       << typeid(Expected).name();
 }
 
@@ -69,16 +70,13 @@ TEST(RethrowMessage, KeepsTheMostDerivedStandardType) {
     using std::runtime_error::runtime_error;
   };
   struct HostException : std::exception {};
-  expectEnrichedAs<std::out_of_range>(std::out_of_range("gone"));
-  expectEnrichedAs<std::invalid_argument>(std::invalid_argument("bad"));
-  expectEnrichedAs<std::logic_error>(std::logic_error("misuse"));
-  expectEnrichedAs<std::underflow_error>(std::underflow_error("tiny"));
-  expectEnrichedAs<std::regex_error>(std::regex_error(std::regex_constants::error_paren));
-  // A failure is also a system_error, and bad_array_new_length a bad_alloc.
-  expectEnrichedAs<std::ios_base::failure>(std::ios_base::failure("stream"));
-  expectEnrichedAs<std::bad_array_new_length>(std::bad_array_new_length());
-  expectEnrichedAs<std::bad_alloc>(std::bad_alloc());
-  expectEnrichedAs<std::bad_cast>(std::bad_cast());
+  // Each standard class stays itself: a failure is also a system_error, bad_array_new_length a bad_alloc.
+  auto const asItself = [](auto const &...original) {
+    (expectEnrichedAs<std::decay_t<decltype(original)>>(original), ...);
+  };
+  asItself(std::out_of_range("gone"), std::invalid_argument("bad"), std::logic_error("misuse"),
+           std::underflow_error("tiny"), std::regex_error(std::regex_constants::error_paren),
+           std::ios_base::failure("stream"), std::bad_array_new_length(), std::bad_alloc(), std::bad_cast());
   // The host's own classes become their nearest listed base.
   expectEnrichedAs<std::runtime_error>(HostRuntimeError("own"));
   expectEnrichedAs<std::exception>(HostException());
@@ -101,12 +99,12 @@ TEST(RethrowMessage, EnrichesAnEnrichedExceptionInPlaceAndLeavesOthersAlone) {
 }
 
 TEST(RoundingErrors, ThrowRangeErrors) {
-  EXPECT_THAT([] { throwRoundError(); },
-              ThrowsMessage<std::range_error>(
-                  "Overflow occured while rounding double precision value to 32-bit integer"));
-  EXPECT_THAT([] { throwTruncateError(); },
-              ThrowsMessage<std::range_error>(
-                  "Overflow occured while truncating double precision value to 32-bit integer"));
+  EXPECT_THAT(
+      [] { throwRoundError(); },
+      throws<std::range_error>("Overflow occured while rounding double precision value to 32-bit integer"));
+  EXPECT_THAT(
+      [] { throwTruncateError(); },
+      throws<std::range_error>("Overflow occured while truncating double precision value to 32-bit integer"));
 }
 
 namespace {

@@ -185,7 +185,7 @@ TEST_F(PathFiles, CompletionUsesTheCurrentDirectory) {
   std::fclose(stream);
 }
 
-TEST_F(PathFiles, CreateQueryDelete) {
+TEST_F(PathFiles, CreateQueryDeleteRename) {
   EXPECT_THAT([&] { at("a/b").create_directory(); }, fsError("create_directory(p): invalid argument"));
   EXPECT_TRUE(at("a/b/c").create_directories());
   EXPECT_TRUE(at("a/b").create_directory());
@@ -206,9 +206,7 @@ TEST_F(PathFiles, CreateQueryDelete) {
   EXPECT_FALSE(at("link").delete_file_or_directory());
   EXPECT_TRUE(at("a").remove_all());
   EXPECT_FALSE(at("a").removeAllFilesDirectoriesRecursively());
-}
-
-TEST_F(PathFiles, RenameReplacesAnotherFile) {
+  // Renaming replaces another file.
   write("from", "new");
   write("to", "old!");
   EXPECT_TRUE(at("from").rename(at("to")));

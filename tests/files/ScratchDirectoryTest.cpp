@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <support/Throws.h>
 
 #include "TempDirectory.h"
 
@@ -33,8 +34,8 @@ TEST(ScratchDirectory, NumberedDirectoriesBelowTheProcessDirectory) {
   EXPECT_TRUE(std::filesystem::is_directory(process + "/x2"));
   EXPECT_FALSE(std::filesystem::exists(temporary / "other"));
 
-  EXPECT_THAT([&] { makeUniqueScratchDirectory("p/q"); },
-              testing::ThrowsMessage<std::runtime_error>(
-                  "Failed to create directory \"" + Path(process + "/p/q").string().toStdString() + "\"."));
+  EXPECT_THAT(
+      [&] { makeUniqueScratchDirectory("p/q"); },
+      throws("Failed to create directory \"" + Path(process + "/p/q").string().toStdString() + "\"."));
   EXPECT_THROW(makeUniqueScratchDirectory("\xFF"), std::filesystem::filesystem_error);
 }

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <complex>
 #include <sstream>
 #include <string>
@@ -50,7 +52,7 @@ TEST(ConsoleFormatter, BoolsLeaveTheStreamPrintingWords) {
 
 TEST(ConsoleFormatter, TimeKindsRefuseToPrint) {
   EXPECT_THAT([] { drawn(VxVariant(Duration(5))); },
-              testing::ThrowsMessage<std::runtime_error>(
+              throws<std::runtime_error>(
                   "Cannot convert Tarvex::VantraCore::VxVariant of type 'Tarvex::VantraCore::Duration' "
                   "(size: 1) to 'int64_t'"));
 }

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,10 +16,6 @@ using Flat = Internal::SliceFlattener;
 using Offsets = std::vector<std::uint64_t>;
 
 namespace {
-template <class E>
-auto throws(std::string const &message) {
-  return testing::ThrowsMessage<E>(testing::StrEq(message));
-}
 IndexSet const all(IndexRange::all);
 Offsets const shape{2, 3};
 }  // namespace

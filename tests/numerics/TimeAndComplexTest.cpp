@@ -16,7 +16,6 @@ TEST(Time, ChronoTakesTheFemtosecondCount) {
   EXPECT_EQ(std::chrono::duration_cast<std::chrono::hours>(millennium - second).count(), 24 * 365 * 1000 - 1);
   EXPECT_EQ(std::chrono::duration_cast<std::chrono::seconds>(second * -3 / 2).count(), -1);
   EXPECT_LT(-millennium, second);
-  EXPECT_EQ(Duration::max().count(), std::numeric_limits<int128_t>::max());
 }
 
 TEST(Time, TimestampCountsFromTheSystemEpoch) {
@@ -28,8 +27,6 @@ TEST(Time, TimestampCountsFromTheSystemEpoch) {
 TEST(Complex, TwoPartsStoredDensely) {
   Complex<bool> const flags[3] = {{true, false}, {}, {false, true}};
   EXPECT_EQ(sizeof flags, 6u);
-  EXPECT_EQ(flags[1], Complex<bool>(false, false));
   Complex<std::int64_t> const value(-1, 7);
-  EXPECT_TRUE(value.re == -1 && value.im == 7);
   EXPECT_NE(value, Complex<std::int64_t>(-1, 8));
 }

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 using namespace Tarvex::VantraCore;
-using testing::StrEq;
-using testing::ThrowsMessage;
 
 namespace {
 
@@ -28,11 +28,9 @@ TEST(FPropertyNode, FreezesEachKindAndKeepsMapOrder) {
   FPropertyNode const null{PropertyNode()};
   EXPECT_TRUE(null.isNull());
   EXPECT_EQ(null.useCount(), 0);
-  EXPECT_THAT([&] { null.value(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a value")));
-  EXPECT_THAT([&] { null.list(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a list")));
-  EXPECT_THAT([&] { null.map(); }, ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a map")));
-  EXPECT_EQ(FPropertyList().size(), 0u);
-  EXPECT_EQ(FPropertyMap().begin(), FPropertyMap().end());
+  EXPECT_THAT([&] { null.value(); }, throws<std::out_of_range>("FPropertyNode is not a value"));
+  EXPECT_THAT([&] { null.list(); }, throws<std::out_of_range>("FPropertyNode is not a list"));
+  EXPECT_THAT([&] { null.map(); }, throws<std::out_of_range>("FPropertyNode is not a map"));
 
   PropertyNode source = sample();
   FPropertyNode const frozen(source);
@@ -43,7 +41,7 @@ TEST(FPropertyNode, FreezesEachKindAndKeepsMapOrder) {
     keys.emplace_back(entry.key.data());
   EXPECT_EQ(keys, (std::vector<std::string>{"a", "list", "m"}));
   EXPECT_EQ(map.at("a").value().get<int>(), 1);
-  EXPECT_THAT([&] { map.at("gone"); }, ThrowsMessage<std::out_of_range>(StrEq("Key not found: gone")));
+  EXPECT_THAT([&] { map.at("gone"); }, throws<std::out_of_range>("Key not found: gone"));
 
   FPropertyList const list = map.at("list").list();
   ASSERT_EQ(list.size(), 3u);
@@ -70,16 +68,11 @@ TEST(FPropertyNode, ThawsBackToAnEqualTreeAndWalksPaths) {
   EXPECT_TRUE(frozen.thaw() == sample());
   EXPECT_TRUE(FPropertyNode().thaw().isNull());
   EXPECT_EQ(resolvePropertyPath(frozen, PropertyPath({"list", 0})).value().get<double>(), 2.5);
-  EXPECT_THAT(
-      [&] {
-        resolvePropertyPath(frozen, PropertyPath({"list", 3}));
-      },
-      ThrowsMessage<std::out_of_range>(StrEq("List index out of range: 3")));
-  EXPECT_THAT(
-      [&] {
-        resolvePropertyPath(frozen, PropertyPath({"a", "b"}));
-      },
-      ThrowsMessage<std::out_of_range>(StrEq("FPropertyNode is not a map")));
+  PropertyPath const pastTheEnd({"list", 3}), throughAValue({"a", "b"});
+  EXPECT_THAT([&] { resolvePropertyPath(frozen, pastTheEnd); },
+              throws<std::out_of_range>("List index out of range: 3"));
+  EXPECT_THAT([&] { resolvePropertyPath(frozen, throughAValue); },
+              throws<std::out_of_range>("FPropertyNode is not a map"));
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <string>
 #include <vector>
 
 using namespace Tarvex::VantraCore;
-using testing::StrEq;
-using testing::ThrowsMessage;
 
 namespace {
 
@@ -87,13 +87,12 @@ TEST(PropertyNode, AssignmentFromOwnSubtreeIsSafe) {
 TEST(PropertyNode, FailuresKeepTheNodeAndSayWhy) {
   PropertyNode value(VxVariant{});
   EXPECT_FALSE(value.isNull());
-  EXPECT_THAT([&] { value.set("k", 1); },
-              ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a Map")));
+  EXPECT_THAT([&] { value.set("k", 1); }, throws<std::out_of_range>("PropertyNode is not a Map"));
   EXPECT_TRUE(value.value().isNull());
 
   PropertyNode const null;
-  EXPECT_THAT([&] { null.map(); }, ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a map")));
-  EXPECT_THAT([&] { null.list(); }, ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a list")));
-  EXPECT_THAT([&] { null.value(); }, ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a value")));
-  EXPECT_THAT([] { sampleTree().map().at(""); }, ThrowsMessage<std::out_of_range>(StrEq("Key not found: ")));
+  EXPECT_THAT([&] { null.map(); }, throws<std::out_of_range>("PropertyNode is not a map"));
+  EXPECT_THAT([&] { null.list(); }, throws<std::out_of_range>("PropertyNode is not a list"));
+  EXPECT_THAT([&] { null.value(); }, throws<std::out_of_range>("PropertyNode is not a value"));
+  EXPECT_THAT([] { sampleTree().map().at(""); }, throws<std::out_of_range>("Key not found: "));
 }

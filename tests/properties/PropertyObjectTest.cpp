@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Experimental;
-using testing::StrEq;
-using testing::ThrowsMessage;
 
 namespace {
 
@@ -28,9 +28,9 @@ TEST(PropertyObject, ReadsTheTypeWithoutReporting) {
   EXPECT_FALSE(GenericPropertyObject().isNull());
   EXPECT_TRUE(GenericPropertyObject(PropertyNode()).isNull());
   EXPECT_THAT([] { GenericPropertyObject().getObjectType(); },
-              ThrowsMessage<std::out_of_range>(StrEq("Key not found: __object_type")));
+              throws<std::out_of_range>("Key not found: __object_type"));
   EXPECT_THAT([] { GenericPropertyObject(PropertyNode(VxVariant(1))).getObjectType(); },
-              ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a map")));
+              throws<std::out_of_range>("PropertyNode is not a map"));
   EXPECT_EQ(GenericPropertyObject(InternedString("Probe")).getObjectType(), "Probe");
   EXPECT_EQ(typedAs(VxVariant(std::vector<VxString>{"one", "two"})).getObjectType(), "");
   EXPECT_EQ(typedAs(VxVariant(std::vector<VxString>{"one"})).getObjectType(), "one");
@@ -40,9 +40,9 @@ TEST(PropertyObject, ReadsTheTypeWithoutReporting) {
 TEST(PropertyObject, MetadataIsValidatedAndNeverFailsToRead) {
   EXPECT_EQ(ObjectMetadata().getObjectType(), "_Metadata");
   EXPECT_THAT([] { ObjectMetadata(GenericPropertyObject(VxString("other"))); },
-              ThrowsMessage<std::runtime_error>(StrEq("Not a _Metadata PropertyObject")));
+              throws<std::runtime_error>("Not a _Metadata PropertyObject"));
   EXPECT_THAT([] { ObjectMetadata{GenericPropertyObject(PropertyNode())}; },
-              ThrowsMessage<std::out_of_range>(StrEq("PropertyNode is not a map")));
+              throws<std::out_of_range>("PropertyNode is not a map"));
   EXPECT_EQ(GenericPropertyObject(PropertyNode(VxVariant(1))).getMetadata().getObjectType(), "_Metadata");
 
   Probe probe;
@@ -63,8 +63,7 @@ TEST(PropertyObject, MetadataIsValidatedAndNeverFailsToRead) {
 TEST(PropertyObject, MembersAndProperties) {
   GenericPropertyObject holder(VxString("Holder"));
   EXPECT_THAT([&] { holder.setMember("", GenericPropertyObject(VxString("Probe"))); },
-              ThrowsMessage<std::invalid_argument>(
-                  StrEq("Name can't be empty for Probe -- PropertyObject::setMember()")));
+              throws<std::invalid_argument>("Name can't be empty for Probe -- PropertyObject::setMember()"));
   holder.setMember("child", static_cast<GenericPropertyObject>(Probe()));
   EXPECT_EQ(GenericPropertyObject::getObjectType(holder.getPropertyHandle().map().at("child")), "Probe");
 

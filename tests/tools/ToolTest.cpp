@@ -73,18 +73,15 @@ TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
           {"json . --to full", "", "", "vantra: cannot read '.': is a directory\n"},
           {"json - --to full", "{\"a\":", "",
            "vantra: cannot read standard input as full-fidelity JSON: parse error at line 1, column 6: "
-           "syntax error "
-           "while parsing value - unexpected end of input; expected '[', '{', or a literal\n"},
+           "syntax error while parsing value - unexpected end of input; expected '[', '{', or a literal\n"},
           {"json - --to full", "{\"a\":5}", "",
-           "vantra: cannot read standard input as full-fidelity JSON: a JSON value without _data_ metadata "
-           "cannot "
-           "be read as a property node in full fidelity\n"},
+           "vantra: cannot read standard input as full-fidelity JSON: a JSON value without _data_ "
+           "metadata cannot be read as a property node in full fidelity\n"},
           {"json - --to fancy", "", "", "vantra: --to: fancy not in {full,mid,low} (see --help)\n"},
           {"show -",
            R"({"a":{"_data_":[1],"_dimensions_":[99999999999,99999999999],"_wellknowntype_":"double"}})", "",
            "vantra: cannot read standard input as full-fidelity JSON: Array dimensions give more elements "
-           "than "
-           "64 bits can count.\n"},
+           "than 64 bits can count.\n"},
           {"json - --from mid --to low", R"({"a":{"_data_":[1,2],"_dataorder_":"diagonal"}})", "",
            "vantra: cannot read standard input as mid-fidelity JSON: dataOrder value: 'diagonal' is not "
            "recognized in conversion from JSON.\n"},
@@ -98,13 +95,11 @@ TEST(ToolTest, BadInputEndsWithExitTwoAndOneLine) {
           {"convert measurement.json --at channels/0 --to V", "", "",
            "vantra: 'channels/0' in 'measurement.json' holds a map, not a value\n"},
           {"convert measurement.json --at device/channels --to V", "", "",
-           "vantra: no unit for 'device/channels' in 'measurement.json': give --from or put a \"unit\" key "
-           "beside "
-           "the value\n"},
+           "vantra: no unit for 'device/channels' in 'measurement.json': give --from or put a \"unit\" "
+           "key beside the value\n"},
           {"convert measurement.json --at channels/0/name --from mV --to V", "", "",
-           "vantra: cannot convert 'channels/0/name' in 'measurement.json': the values are of kind string, "
-           "not "
-           "numbers\n"},
+           "vantra: cannot convert 'channels/0/name' in 'measurement.json': the values are of kind "
+           "string, not numbers\n"},
           {"convert measurement.json --at channels/0/samples --to kg", "", "",
            "vantra: cannot convert 'mV' to 'kg': m^2*kg/(s^3*A) and kg are not commensurable\n"},
           {"units convert 1 V yards", "", "",

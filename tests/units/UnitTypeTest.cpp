@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <atomic>
 #include <stdexcept>
 #include <string>
@@ -43,7 +45,6 @@ TEST(UnitType, PredefinedEntriesKeepTheirTextsAndOrder) {
   EXPECT_EQ(text(UnitType::electricResistance().getReferenceSIString()), "\xCE\xA9");
   EXPECT_EQ(text(UnitType::absorbedDose().getName()), "absorbed dose of radiation");
   EXPECT_EQ(text(UnitType::dimensionless().getName()), "scalar");
-  EXPECT_EQ(text(UnitType::dimensionless().getReferenceSIString()), "1");
   EXPECT_EQ(UnitType::findByReferenceSiString("Bq"), UnitType::radioactivity());
   EXPECT_EQ(UnitType::findByReferenceSiString("1"), UnitType::dimensionless());
   std::vector<UnitType> const hz = UnitType::findCompatibleTypes(UnitType::frequency().getDimensions());
@@ -53,8 +54,7 @@ TEST(UnitType, PredefinedEntriesKeepTheirTextsAndOrder) {
   EXPECT_FALSE(UnitType() == UnitType::dimensionless());
   EXPECT_EQ(text(UnitType().getName()), "none");
   EXPECT_THAT([] { UnitType::findByReferenceSiString("furlong"); },
-              testing::ThrowsMessage<std::runtime_error>(
-                  testing::StrEq("Could not find a UnitType with reference SI string furlong")));
+              throws<std::runtime_error>("Could not find a UnitType with reference SI string furlong"));
 }
 
 TEST(UnitType, FindUnitTypeTellsSharedDimensionsApartByReferenceText) {

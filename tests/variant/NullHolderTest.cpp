@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <support/Throws.h>
 
 #include <cstdint>
 #include <stdexcept>
@@ -20,7 +21,7 @@ TEST(NullHolder, IsUncountedReshapesToNoDimensionsAndConvertsToAnEmptyArray) {
   char const *const nonEmpty =
       "Cannot reshape an empty VxVariant to one containing more than zero elements without reallocating.";
   auto const grow = [&] { null->reshapeNoRealloc({zero, 1}); };
-  EXPECT_THAT(grow, testing::ThrowsMessage<std::invalid_argument>(nonEmpty));
+  EXPECT_THAT(grow, throws<std::invalid_argument>(nonEmpty));
 
   EXPECT_EQ(null->convertDataTo(WellKnownType(), conversionLossless), null);
   IVariantData *empty = null->convertDataTo(WellKnownTypeValue::typeString, conversionLossless);

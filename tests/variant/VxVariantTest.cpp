@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <cstdint>
 #include <memory>
 #include <numeric>
@@ -13,11 +15,6 @@
 using namespace Tarvex::VantraCore;
 
 namespace {
-
-template <class E>
-auto throws(std::string const &message) {
-  return testing::ThrowsMessage<E>(testing::StrEq(message));
-}
 
 // Every behaviour holds for both flavours alike.
 template <class V>

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <support/Throws.h>
 
 #include "../TempDirectory.h"
 
@@ -45,8 +46,7 @@ TEST(ScratchSystem, RootNames) {
   std::ofstream(temporary / "file") << "x";
   EXPECT_THAT(
       [] { Internal::makeScratchRoot("file", ""); },
-      testing::ThrowsMessage<std::runtime_error>("Couldn't create directories for \"" +
-                                                 Path(temporary / "file").string().toStdString() + "\"."));
+      throws("Couldn't create directories for \"" + Path(temporary / "file").string().toStdString() + "\"."));
 }
 
 TEST(ScratchSystem, FailedStartIsRetried) {

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <support/Throws.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -82,5 +84,5 @@ TEST(ForeignJson, LowFidelityRefusesCustomKinds) {
   VxVariant const custom =
       VxVariant::adoptHolder(Internal::CustomVectorVariantData<double>::create(dims, rowMajor, 2));
   EXPECT_THAT([&] { JsonFormatterLowFidelity::serialize(custom); },
-              testing::ThrowsMessage<std::runtime_error>("unknown type"));
+              throws<std::runtime_error>("unknown type"));
 }

@@ -5,16 +5,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <sstream>
 
 using namespace Tarvex::VantraCore;
-using testing::ThrowsMessage;
 
 TEST(JsonFormatterFailures, CustomKindFailsAnywhereAndLeavesTheStreamUntouched) {
   std::vector<std::uint64_t> const dims{2};
   VxVariant const custom =
       VxVariant::adoptHolder(Internal::CustomVectorVariantData<double>::create(dims, rowMajor, 2));
-  auto const refused = ThrowsMessage<std::logic_error>("Cannot serialze custom types");
+  auto const refused = throws<std::logic_error>("Cannot serialze custom types");
   EXPECT_THAT([&] { JsonFormatter::serialize(custom, -1); }, refused);
   PropertyMap map;
   map.insertOrAssign(InternedString("a"), PropertyNode(1.0));

@@ -1,22 +1,20 @@
 #include <VantraCore/ExternalVariantStorage.h>
 #include <VantraCore/TransmuteVariant.h>
-#include <VantraCore/VectorVariantData.h>
 #include <variant/ArrayHolders.h>
-#include <variant/HolderReference.h>
+
+#include "Holders.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <complex>
 #include <memory>
 #include <stdexcept>
-#include <vector>
 
-using namespace Tarvex::VantraCore;
-using namespace Tarvex::VantraCore::Internal;
 using ::testing::ElementsAre;
-using ::testing::ThrowsMessage;
-using Dims = std::vector<std::uint64_t>;
+using namespace HolderTesting;
 using cd = std::complex<double>;
 
 namespace {
@@ -38,20 +36,6 @@ struct DoubleStorage final : ExternalVariantStorageInterface {
   void release() override { ++releases; }
 };
 
-Dims shapeOf(IVariantData const &holder) {
-  return {holder.dimensions().begin(), holder.dimensions().end()};
-}
-template <class T>
-std::vector<T> elementsOf(IVariantData const &holder) {
-  auto const *data = static_cast<T const *>(holder.constStoredData());
-  return {data, data + elementCount(holder.dimensions())};
-}
-template <class T>
-HolderReference array(std::vector<T> const &values, Dims const &dims, DataOrdering ordering = rowMajor) {
-  return HolderReference(
-      constructVariantVectorWithDataWithDimsUnresolved<T>(values.data(), values.size(), dims, ordering));
-}
-
 TEST(ExternalStorage, AttachedAdaptorWorksInTheClientsBlock) {
   DoubleStorage storage({1, 2, 3, 4, 5, 6}, {2, 3});
   HolderReference adaptor(constructVariantExternal(&storage));
@@ -60,7 +44,7 @@ TEST(ExternalStorage, AttachedAdaptorWorksInTheClientsBlock) {
   static_cast<double *>(adaptor->mutableStoredData())[0] = 9;
   EXPECT_EQ(storage.block[0], 9);
   EXPECT_THAT([&] { HolderReference(adaptor->reorderData(rowMajor)); },
-              ThrowsMessage<std::runtime_error>("Not implemented!"));
+              throws<std::runtime_error>("Not implemented!"));
   HolderReference clone(adaptor->clone());
   storage.block[1] = 7;
   EXPECT_THAT(elementsOf<double>(*clone), ElementsAre(9, 2, 3, 4, 5, 6));
@@ -70,10 +54,10 @@ TEST(ExternalStorage, AttachedAdaptorWorksInTheClientsBlock) {
   EXPECT_EQ(custom->wellKnownDataType(), WellKnownTypeValue::typeCustom);
   storage.shape = {2, 2};  // holds more elements than its shape names
   EXPECT_THAT([&] { HolderReference(adaptor->clone()); },
-              ThrowsMessage<std::length_error>("dimensions do not match data length"));
+              throws<std::length_error>("dimensions do not match data length"));
   storage.kind = WellKnownType();
   EXPECT_THAT([&] { HolderReference(adaptor->convertDataTo(WellKnownTypeValue::typeFloat, conversionCast)); },
-              ThrowsMessage<std::runtime_error>("unknown type"));
+              throws<std::runtime_error>("unknown type"));
 }
 
 TEST(ExternalStorage, ReleasedOnceWhenTheLastReferenceGoes) {
@@ -136,10 +120,10 @@ TEST(TransmuteViews, RealToComplexHalvesRoundingDownAndChecksTheKindLate) {
   HolderReference strings(
       constructTransmuteRealToComplexVariant(array<VxString>({VxString("a"), VxString("b")}, {2}).release()));
   char const *const message = "Can not convert non-numeric data type to complex numeric type";
-  EXPECT_THAT([&] { strings->wellKnownDataType(); }, ThrowsMessage<std::runtime_error>(message));
+  EXPECT_THAT([&] { strings->wellKnownDataType(); }, throws(message));
   HolderReference reals(constructTransmuteComplexToRealVariant(array<cd>({cd(1, 2)}, {1}).release()));
   EXPECT_THAT([&] { HolderReference(reals->convertDataTo(WellKnownTypeValue::typeString, conversionParse)); },
-              ThrowsMessage<std::runtime_error>(message));
+              throws(message));
   HolderReference floats(reals->convertDataTo(WellKnownTypeValue::typeFloat, conversionCast));
   EXPECT_THAT(elementsOf<float>(*floats), ElementsAre(1.f, 2.f));
 }
@@ -150,18 +134,16 @@ TEST(TransmuteViews, ViewIsLiveAndWritingMakesAPlainArray) {
   HolderReference view(constructTransmuteComplexToRealVariant(inner.get()));
   static_cast<cd *>(inner->mutableStoredData())[1] = cd(7, 8);
   EXPECT_THAT(elementsOf<double>(*view), ElementsAre(1, 2, 7, 8));
-  EXPECT_THAT(
-      [&] { HolderReference(view->reshapeToVxVariant(nullptr, Dims{4}, rowMajor)); },
-      ThrowsMessage<std::runtime_error>("Reshaping to VxVariant is not allowed for Transmute Variant"));
+  EXPECT_THAT([&] { HolderReference(view->reshapeToVxVariant(nullptr, Dims{4}, rowMajor)); },
+              throws<std::runtime_error>("Reshaping to VxVariant is not allowed for Transmute Variant"));
   HolderReference same(view->reorderData(rowMajor));
   EXPECT_EQ(same.get(), view.get());
   EXPECT_THROW(view->reshapeNoRealloc(Dims{2, 2}), std::runtime_error);  // shared
   same.reset();
   view->reshapeNoRealloc(Dims{2, 1, 2});  // a longer list fits, the inner shape stays
   EXPECT_EQ(shapeOf(*inner), (Dims{2}));
-  EXPECT_THAT(
-      [&] { view->reshapeNoRealloc(Dims{5}); },
-      ThrowsMessage<std::length_error>("Cannot reshape array to given dimensions without reallocating."));
+  EXPECT_THAT([&] { view->reshapeNoRealloc(Dims{5}); },
+              throws<std::length_error>("Cannot reshape array to given dimensions without reallocating."));
   HolderReference reordered(view->reorderData(columnMajor));
   EXPECT_THAT(elementsOf<double>(*reordered), ElementsAre(1, 7, 2, 8));
   HolderReference unique(view.release()->ensureUnique());

@@ -6,11 +6,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/Throws.h>
+
 #include <cstdint>
 
 using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Internal;
-using ::testing::ThrowsMessage;
 
 namespace {
 
@@ -86,5 +87,5 @@ TEST(ScalarHolder, InPlaceHolderOnlyEverGivesItself) {
 
   VxVariantDirectStorage null{constructVariantNull(), {}};
   EXPECT_THAT([&] { copyConstructVariantScalar(nullptr, 0, null); },
-              ThrowsMessage<std::runtime_error>("unknown type"));
+              throws<std::runtime_error>("unknown type"));
 }
