@@ -10,6 +10,11 @@
 namespace Tarvex::VantraCore::Experimental {
 
 class Unit;
+class UnitDimensions;
+
+// Exponent-wise sum (a product of quantities) and difference (a quotient).
+VANTRACORE_API UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept;
+VANTRACORE_API UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept;
 
 // The nine SI exponents of a quantity: m, kg, s, A, K, mol, cd, rad, sr. The two angles count as full
 // dimensions, so a plane angle is not dimensionless.
@@ -49,14 +54,12 @@ class VANTRACORE_API UnitDimensions {
     return a.m_exponents == b.m_exponents;
   }
   friend bool operator!=(UnitDimensions const &a, UnitDimensions const &b) noexcept { return !(a == b); }
+  friend UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept;
+  friend UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept;
 
  private:
   std::array<std::int32_t, 9> m_exponents;
 };
-
-// Exponent-wise sum (a product of quantities) and difference (a quotient).
-VANTRACORE_API UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept;
-VANTRACORE_API UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept;
 
 // A named physical quantity: name, the text of its base unit and its dimensions. Types are kept in a
 // process-wide registry that starts with the 33 predefined quantities below, in this order, and only

@@ -1,6 +1,8 @@
 #include <VantraCore/UnitType.h>
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <shared_mutex>
@@ -68,52 +70,39 @@ UnitDimensions dimensionsOf(Predefined const &row) {
   return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
 }
 
-int exponentAt(UnitDimensions const &dims, std::size_t index) {
-  switch (index) {
-    case 0:
-      return dims.length();
-    case 1:
-      return dims.mass();
-    case 2:
-      return dims.time();
-    case 3:
-      return dims.electricalCurrent();
-    case 4:
-      return dims.thermodynamicTemperature();
-    case 5:
-      return dims.quantityOfSubstance();
-    case 6:
-      return dims.luminousIntensity();
-    case 7:
-      return dims.angle();
-    default:
-      return dims.solidAngle();
-  }
-}
-
+// Exponents wrap around in 32 bits, so that an absurd text such as "F^1000000000" or a huge power
+// gives some answer rather than overflow.
 template <class Combine>
-UnitDimensions combine(UnitDimensions const &a, UnitDimensions const &b, Combine op) {
-  int e[9];
-  for (std::size_t i = 0; i < 9; ++i)
-    e[i] = static_cast<int>(
-        op(static_cast<std::uint32_t>(exponentAt(a, i)), static_cast<std::uint32_t>(exponentAt(b, i))));
-  return UnitDimensions(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8]);
+std::array<std::int32_t, 9> combined(std::array<std::int32_t, 9> const &a,
+                                     std::array<std::int32_t, 9> const &b, Combine op) noexcept {
+  std::array<std::int32_t, 9> result;
+  for (std::size_t i = 0; i < result.size(); ++i)
+    result[i] =
+        static_cast<std::int32_t>(op(static_cast<std::uint32_t>(a[i]), static_cast<std::uint32_t>(b[i])));
+  return result;
 }
 
 }  // namespace
 
-// Exponents wrap around in 32 bits, so that an absurd text such as "F^1000000000" or a huge power
-// gives some answer rather than overflow.
 UnitDimensions UnitDimensions::operator^(int power) const noexcept {
-  return combine(*this, *this, [power](std::uint32_t e, std::uint32_t) { return e * std::uint32_t(power); });
+  UnitDimensions result;
+  result.m_exponents = combined(m_exponents, m_exponents,
+                                [power](std::uint32_t e, std::uint32_t) { return e * std::uint32_t(power); });
+  return result;
 }
 
 UnitDimensions operator*(UnitDimensions const &a, UnitDimensions const &b) noexcept {
-  return combine(a, b, [](std::uint32_t x, std::uint32_t y) { return x + y; });
+  UnitDimensions result;
+  result.m_exponents =
+      combined(a.m_exponents, b.m_exponents, [](std::uint32_t x, std::uint32_t y) { return x + y; });
+  return result;
 }
 
 UnitDimensions operator/(UnitDimensions const &a, UnitDimensions const &b) noexcept {
-  return combine(a, b, [](std::uint32_t x, std::uint32_t y) { return x - y; });
+  UnitDimensions result;
+  result.m_exponents =
+      combined(a.m_exponents, b.m_exponents, [](std::uint32_t x, std::uint32_t y) { return x - y; });
+  return result;
 }
 
 VxString UnitDimensions::SIUnitsString() const {
@@ -123,7 +112,7 @@ VxString UnitDimensions::SIUnitsString() const {
   bool severalBelow = false;
   for (std::size_t i = 0; i < 9; ++i) {
     // Widened so that the magnitude of INT_MIN prints correctly.
-    long long const e = exponentAt(*this, i);
+    long long const e = m_exponents[i];
     if (e < 0) {
       if (!denominator.empty()) {
         severalBelow = true;
