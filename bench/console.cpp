@@ -7,22 +7,17 @@
 #include <string>
 #include <vector>
 
+#include "SampleValues.h"
+
 using namespace Tarvex::VantraCore;
 
 namespace {
 
 constexpr std::size_t elementCount = 65536;
 
-std::vector<double> sampleValues() {
-  std::vector<double> values(elementCount);
-  for (std::size_t i = 0; i < elementCount; ++i)
-    values[i] = static_cast<double>(i) * 0.37 - 1000.0 / static_cast<double>(i + 1);
-  return values;
-}
-
 // The formatter's cost over the stream's own number output (BM_StreamDoubleLoop).
 void BM_ConsoleDoubleArray(benchmark::State &state) {
-  VxVariant const value(sampleValues());
+  VxVariant const value(sampleDoubles(elementCount));
   for (auto _ : state) {
     std::ostringstream out;
     ConsoleFormatter::serialize(value, out);
@@ -33,7 +28,7 @@ void BM_ConsoleDoubleArray(benchmark::State &state) {
 BENCHMARK(BM_ConsoleDoubleArray)->Unit(benchmark::kMillisecond);
 
 void BM_StreamDoubleLoop(benchmark::State &state) {
-  std::vector<double> const values = sampleValues();
+  std::vector<double> const values = sampleDoubles(elementCount);
   for (auto _ : state) {
     std::ostringstream out;
     out << '[';

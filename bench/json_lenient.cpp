@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "SampleValues.h"
+
 using namespace Tarvex::VantraCore;
 
 namespace {
@@ -14,10 +16,7 @@ namespace {
 constexpr std::uint64_t side = 1024;
 
 VxVariant matrix(DataOrdering ordering) {
-  std::vector<double> values(side * side);
-  for (std::size_t i = 0; i < values.size(); ++i)
-    values[i] = static_cast<double>(i) * 0.37 - 1000.0 / static_cast<double>(i + 1);
-  return VxVariant(std::move(values), {side, side}, ordering);
+  return VxVariant(sampleDoubles(side * side), {side, side}, ordering);
 }
 
 // Plain nested text of a million doubles against the flat full document of the same array: the nested

@@ -6,23 +6,18 @@
 #include <cstdint>
 #include <vector>
 
+#include "SampleValues.h"
+
 using namespace Tarvex::VantraCore;
 
 namespace {
 
 constexpr std::size_t elementCount = 1048576;
 
-std::vector<double> sampleValues() {
-  std::vector<double> values(elementCount);
-  for (std::size_t i = 0; i < elementCount; ++i)
-    values[i] = static_cast<double>(i) * 0.37 - 1000.0 / static_cast<double>(i + 1);
-  return values;
-}
-
 // The writer's goal: a large double array as compact text, at least twice as fast as the same document
 // built and dumped through the JSON library (BM_JsonLibraryDoubleArray).
 void BM_JsonFormatterDoubleArray(benchmark::State &state) {
-  VxVariant const value(sampleValues());
+  VxVariant const value(sampleDoubles(elementCount));
   for (auto _ : state) {
     VxString text = JsonFormatter::serialize(value, -1);
     benchmark::DoNotOptimize(text);
@@ -32,7 +27,7 @@ void BM_JsonFormatterDoubleArray(benchmark::State &state) {
 BENCHMARK(BM_JsonFormatterDoubleArray)->Unit(benchmark::kMillisecond);
 
 void BM_JsonLibraryDoubleArray(benchmark::State &state) {
-  std::vector<double> const values = sampleValues();
+  std::vector<double> const values = sampleDoubles(elementCount);
   for (auto _ : state) {
     nlohmann::json document;
     nlohmann::json &data = document["_data_"] = nlohmann::json::array();
