@@ -2,8 +2,8 @@
 // allocation, one block copy), adopting a moved vector, and reordering a holder into the other
 // ordering. Square double arrays of 32, 256 and 1024 per side.
 
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <benchmark/benchmark.h>
 

@@ -3,8 +3,8 @@
 // test runs to the end. 16,777,216 elements each. The holder pair adds the allocation of the result,
 // as convertDataTo does, against a plain loop into a fresh vector.
 
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 #include <numerics/ElementConversion.h>
 
 #include <benchmark/benchmark.h>

@@ -1,4 +1,4 @@
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include <VantraCore/ExternalVariantStorage.h>
 #include <VantraCore/TransmuteVariant.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <benchmark/benchmark.h>
 

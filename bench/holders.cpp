@@ -1,5 +1,5 @@
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
 
 #include <benchmark/benchmark.h>

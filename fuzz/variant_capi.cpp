@@ -5,7 +5,7 @@
 // each holder's count is proven to be the list's before the last reference goes (ASan then sees any
 // leak).
 #include <VantraCore/Complex.h>
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/VxString.h>
 

@@ -5,7 +5,7 @@
 set -euo pipefail
 
 packages=(
-  g++ cmake ninja-build pkg-config
+  g++ cmake ninja-build pkg-config ccache
   nlohmann-json3-dev libutfcpp-dev
   libcli11-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev

@@ -40,6 +40,20 @@ inline std::uint64_t elementCount(ArrayDimensionsView dims) noexcept {
   return product;
 }
 
+// The element count of a shape as elementCount gives it, or nothing when the product does not fit
+// 64 bits; a zero among the sizes gives 0 whatever the others are. Callers phrase their own refusal.
+inline bool checkedElementCount(ArrayDimensionsView dims, std::uint64_t &count) noexcept {
+  count = 0;
+  if (dims.count == 0) return true;
+  for (std::uint64_t size : dims)
+    if (size == 0) return true;
+  std::uint64_t product = 1;
+  for (std::uint64_t size : dims)
+    if (__builtin_mul_overflow(product, size, &product)) return false;
+  count = product;
+  return true;
+}
+
 // Arithmetic between multi-indices and flat offsets. With `checkBounds` false the functions trust
 // their input, which is what the per-element loops pass; the index count of calculateOffset* is
 // checked regardless.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <VantraCore/Export.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 #include <VantraCore/VariantCApi.h>
 
 // Views that reinterpret another holder's block without copying it: N complex values as 2N

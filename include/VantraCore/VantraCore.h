@@ -5,7 +5,6 @@
 #include <VantraCore/ArraySlice.h>
 #include <VantraCore/Complex.h>
 #include <VantraCore/ConsoleFormatter.h>
-#include <VantraCore/ElementKinds.h>
 #include <VantraCore/ExceptionReporter.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/ExceptionWithMoreInfo.h>
@@ -13,7 +12,6 @@
 #include <VantraCore/ExternalVariantStorage.h>
 #include <VantraCore/FPropertyNode.h>
 #include <VantraCore/FileOperations.h>
-#include <VantraCore/IVariantData.h>
 #include <VantraCore/IndexSet.h>
 #include <VantraCore/Int128.h>
 #include <VantraCore/InternedString.h>
@@ -25,7 +23,6 @@
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/PropertyObject.h>
 #include <VantraCore/PropertyPath.h>
-#include <VantraCore/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
 #include <VantraCore/StringCApi.h>
 #include <VantraCore/StringUtilities.h>
@@ -36,7 +33,6 @@
 #include <VantraCore/UnitString.h>
 #include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
-#include <VantraCore/VectorVariantData.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>

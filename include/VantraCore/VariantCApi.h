@@ -11,7 +11,7 @@
 
 #ifdef __cplusplus
 #include <VantraCore/ArrayIndexing.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 
 #include <cstdint>
 #include <type_traits>

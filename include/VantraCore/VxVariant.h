@@ -2,13 +2,13 @@
 
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/ArraySlice.h>
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/ExceptionTransport.h>
 #include <VantraCore/Export.h>
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
 #include <VantraCore/WellKnownType.h>

@@ -153,4 +153,50 @@ constexpr WellKnownType wellKnownTypeOf() {
   return Internal::ElementKind<std::remove_cv_t<T>>::code;
 }
 
+// Questions about a kind, answered from the bits of its code; any 16-bit code may be asked.
+constexpr std::uint16_t kindBits(WellKnownType kind) {
+  return static_cast<std::uint16_t>(kind.value());
+}
+// A numeric base: the twenty numeric kinds and the two truth kinds (bool, Complex<bool>).
+constexpr bool hasNumericBase(WellKnownType kind) {
+  return (kindBits(kind) & Internal::wellKnownTypeNumericBaseMask) != 0;
+}
+constexpr bool isTruthKind(WellKnownType kind) {
+  return kind == Internal::WellKnownTypeValue::typeBool || kind == Internal::WellKnownTypeValue::typeComplexBool;
+}
+// A number with a unit: a numeric base that is not a truth value.
+constexpr bool isNumberKind(WellKnownType kind) {
+  return hasNumericBase(kind) && !isTruthKind(kind);
+}
+constexpr bool isComplexKind(WellKnownType kind) {
+  return (kindBits(kind) & Internal::wellKnownTypeComplexBit) != 0;
+}
+constexpr bool isUnsignedKind(WellKnownType kind) {
+  return (kindBits(kind) & Internal::wellKnownTypeUnsignedBit) != 0;
+}
+constexpr bool isFloatingKind(WellKnownType kind) {
+  auto const base = kindBits(kind) & ~Internal::wellKnownTypeComplexBit;
+  return base == kindBits(Internal::WellKnownTypeValue::typeDouble) ||
+         base == kindBits(Internal::WellKnownTypeValue::typeFloat);
+}
+constexpr bool isTimeKind(WellKnownType kind) {
+  return kind == Internal::WellKnownTypeValue::typeDuration || kind == Internal::WellKnownTypeValue::typeTimestamp;
+}
+// The custom code, with or without the complex bit.
+constexpr bool isCustomKind(WellKnownType kind) {
+  return (kindBits(kind) & ~Internal::wellKnownTypeComplexBit) == kindBits(Internal::WellKnownTypeValue::typeCustom);
+}
+// The kind of a complex kind's parts; any other kind is its own.
+constexpr WellKnownType realPartKind(WellKnownType kind) {
+  return static_cast<Internal::WellKnownTypeValue>(kindBits(kind) & ~Internal::wellKnownTypeComplexBit);
+}
+// The complex kind over a real kind's values (the code with the complex bit set).
+constexpr WellKnownType complexKindOf(WellKnownType kind) {
+  return static_cast<Internal::WellKnownTypeValue>(kindBits(kind) | Internal::wellKnownTypeComplexBit);
+}
+
+// The same questions of an element type, at compile time.
+template <class T>
+inline constexpr bool isComplexElement = isComplexKind(wellKnownTypeOf<T>());
+
 }  // namespace Tarvex::VantraCore

@@ -1,7 +1,7 @@
 #include <VantraCore/JsonFormatterLowFidelity.h>
 
 #include <VantraCore/Complex.h>
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
 
 #include <formatting/JsonDocument.h>

@@ -2,7 +2,7 @@
 
 #include <formatting/JsonDocument.h>
 
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/Time.h>
 

@@ -1,4 +1,4 @@
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <numerics/ElementConversion.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <VantraCore/WellKnownType.h>
 
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 
 #include <cstddef>
 #include <cstring>

@@ -5,8 +5,8 @@
 // StdVectorVariantData<T> around a std::vector that was moved in.
 
 #include <VantraCore/ArrayIndexing.h>
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/IVariantData.h>
 #include <VantraCore/WellKnownType.h>
 
 #include <numerics/OrderingConversion.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/WellKnownType.h>
 
 #include <complex>

@@ -1,6 +1,6 @@
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/ExternalVariantStorage.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 #include <variant/ArrayHolders.h>
 #include <variant/ExternalStorageAdaptor.h>
 #include <variant/VariantConversion.h>

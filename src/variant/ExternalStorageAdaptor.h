@@ -1,7 +1,7 @@
 #pragma once
 
 #include <VantraCore/ExternalVariantStorage.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 #include <variant/VariantConversion.h>
 
 #include <atomic>

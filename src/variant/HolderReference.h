@@ -1,6 +1,6 @@
 #pragma once
 
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 
 #include <memory>
 

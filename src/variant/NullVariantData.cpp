@@ -1,4 +1,4 @@
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 #include <variant/VariantConversion.h>
 
 #include <stdexcept>

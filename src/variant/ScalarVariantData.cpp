@@ -1,5 +1,5 @@
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <variant/ArrayHolders.h>
 #include <variant/VariantConversion.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <VantraCore/ArrayIndexing.h>
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/IVariantData.h>
 #include <VantraCore/WellKnownType.h>
 
 #include <variant/ArrayHolders.h>

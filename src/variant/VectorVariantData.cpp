@@ -1,5 +1,5 @@
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <variant/ArrayHolders.h>
 

@@ -1,6 +1,6 @@
 #include "UnitCompanion.h"
 
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Unit.h>
 #include <variant/capi/TransportGuard.h>

@@ -2,9 +2,9 @@
 // test's replaced operators meet these.
 #include <support/CountingAllocator.h>
 
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
 

@@ -6,9 +6,9 @@
 #include <VantraCore/InternedString.h>
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyPath.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
 

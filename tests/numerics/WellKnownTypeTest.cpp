@@ -1,4 +1,4 @@
-#include <VantraCore/ElementKinds.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/WellKnownType.h>
 
 #include <gtest/gtest.h>

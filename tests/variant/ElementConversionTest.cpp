@@ -1,7 +1,7 @@
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>

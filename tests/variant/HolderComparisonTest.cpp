@@ -1,6 +1,6 @@
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/ScalarVariantData.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include <VantraCore/ScalarVariantData.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
 

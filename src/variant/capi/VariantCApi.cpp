@@ -1,8 +1,8 @@
-#include <VantraCore/ElementKinds.h>
-#include <VantraCore/IVariantData.h>
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/ElementKinds.h>
+#include <VantraCore/detail/IVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 #include <variant/capi/TransportGuard.h>
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <VantraCore/ScalarVariantData.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <variant/ArrayHolders.h>
 
 #include "Holders.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 // Shape, elements and construction of array holders for the internal holder tests.
-#include <VantraCore/VectorVariantData.h>
+#include <VantraCore/detail/VectorVariantData.h>
 #include <variant/HolderReference.h>
 
 #include <cstdint>

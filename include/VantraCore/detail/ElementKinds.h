@@ -156,4 +156,10 @@ inline VxStringView messageTypeName(WellKnownType type) {
       []() -> VxStringView { throwUnknownType(); });
 }
 
+// The bytes of one element of a kind; 0 for a code that names no element kind.
+inline std::size_t elementSize(WellKnownType type) {
+  return findElementKind(
+      type, [](auto tag) { return sizeof(typename decltype(tag)::type); }, [] { return std::size_t{0}; });
+}
+
 }  // namespace Tarvex::VantraCore::Internal

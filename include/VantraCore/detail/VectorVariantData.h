@@ -2,7 +2,7 @@
 
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/Export.h>
-#include <VantraCore/IVariantData.h>
+#include <VantraCore/detail/IVariantData.h>
 
 #include <cstdint>
 #include <vector>
