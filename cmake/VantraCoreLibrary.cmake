@@ -17,12 +17,12 @@ set_target_properties(VantraCoreObjects PROPERTIES
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON
   POSITION_INDEPENDENT_CODE ON)
-target_compile_options(VantraCoreObjects PRIVATE -Wall -Wextra -Wpedantic)
 target_include_directories(VantraCoreObjects
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
   PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreObjects PUBLIC cxx_std_17)
-target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads PRIVATE utf8cpp nlohmann_json::nlohmann_json)
+target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads
+  PRIVATE VantraCoreWarnings utf8cpp nlohmann_json::nlohmann_json)
 
 add_library(VantraCore SHARED $<TARGET_OBJECTS:VantraCoreObjects>)
 add_library(VantraCore::VantraCore ALIAS VantraCore)
