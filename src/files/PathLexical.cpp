@@ -1,36 +1,32 @@
-#include <VantraCore/FileOperations.h>
 #include <VantraCore/Path.h>
 #include <VantraCore/StringUtilities.h>
 #include <files/CaseMapping.h>
 #include <files/PathInternal.h>
 
-#include <unistd.h>
 #include <utf8.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+// The grammar of stored names: "\" separated, a root name ("C:" or "\\server") and a root directory.
+// Nothing here asks the file system.
 namespace Tarvex::VantraCore {
 
 namespace fs = std::filesystem;
 using Experimental::Path;
+using Internal::layoutOf;
+using Internal::PathLayout;
+using Internal::storedPath;
+using Internal::textOf;
 
 namespace {
 
 bool isSeparator(char c) noexcept {
-  return c == '/' || c == '\\';
-}
-
-std::string const &textOf(Path const &path) noexcept {
-  return path.fs_path().native();
-}
-
-Path storedPath(std::string text) {
-  return Path::from_fs_path(fs::path(std::move(text)));
+  return Path::is_separator(c);
 }
 
 [[noreturn]] void throwInvalidText() {
@@ -50,30 +46,6 @@ std::string storedFromUtf8(char const *data, std::size_t length) {
 std::string withSeparator(std::string text, char from, char to) {
   std::replace(text.begin(), text.end(), from, to);
   return text;
-}
-
-// Where the root name and the root directory end.
-struct Layout {
-  std::size_t rootNameEnd = 0;
-  std::size_t rootEnd = 0;
-};
-
-Layout layoutOf(std::string_view text) noexcept {
-  Layout layout;
-  if (text.size() > 2 && isSeparator(text[0]) && isSeparator(text[1]) && !isSeparator(text[2])) {
-    layout.rootNameEnd = text.size();
-    for (std::size_t i = 3; i < text.size(); ++i) {
-      if (isSeparator(text[i])) {
-        layout.rootNameEnd = i;
-        break;
-      }
-    }
-  } else if (std::size_t const colon = text.find(':'); colon != std::string_view::npos) {
-    layout.rootNameEnd = colon + 1;
-  }
-  bool const rootDirectory = layout.rootNameEnd < text.size() && isSeparator(text[layout.rootNameEnd]);
-  layout.rootEnd = layout.rootNameEnd + (rootDirectory ? 1 : 0);
-  return layout;
 }
 
 std::vector<std::string_view> elementsOf(std::string_view text, std::size_t from) {
@@ -132,45 +104,31 @@ void appendElement(std::string &text, std::string_view element) {
   std::replace(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), '/', '\\');
 }
 
-fs::file_status statusOf(Path const &path, bool followLinks) noexcept {
-  try {
-    std::error_code code;
-    std::string const name = Internal::posixName(path);
-    return followLinks ? fs::status(name, code) : fs::symlink_status(name, code);
-  } catch (...) {
-    return fs::file_status(fs::file_type::none);
-  }
-}
-
-bool accessible(Path const &path, int mode) noexcept {
-  try {
-    return ::access(Internal::posixName(path).c_str(), mode) == 0;
-  } catch (...) {
-    return false;
-  }
-}
-
-// Removes one entry, throwing "remove(p): invalid argument" when the system refuses.
-bool removeEntry(Path const &path) {
-  std::error_code code;
-  bool const removed = fs::remove(Internal::posixName(path), code);
-  if (code) Internal::throwFilesystemError("remove(p): invalid argument", path, code);
-  return removed;
-}
-
-// Makes the directory unless it is one already; true if it is one afterwards.
-template <class Make>
-bool makeDirectory(Path const &path, char const *message, Make &&make) {
-  if (path.is_directory()) return true;
-  std::error_code code;
-  make(Internal::posixName(path), code);
-  if (code) Internal::throwFilesystemError(message, path, code);
-  return path.is_directory();
-}
-
 }  // namespace
 
 namespace Internal {
+
+Path storedPath(std::string text) {
+  return Path::from_fs_path(fs::path(std::move(text)));
+}
+
+PathLayout layoutOf(std::string_view text) noexcept {
+  PathLayout layout;
+  if (text.size() > 2 && isSeparator(text[0]) && isSeparator(text[1]) && !isSeparator(text[2])) {
+    layout.rootNameEnd = text.size();
+    for (std::size_t i = 3; i < text.size(); ++i) {
+      if (isSeparator(text[i])) {
+        layout.rootNameEnd = i;
+        break;
+      }
+    }
+  } else if (std::size_t const colon = text.find(':'); colon != std::string_view::npos) {
+    layout.rootNameEnd = colon + 1;
+  }
+  bool const rootDirectory = layout.rootNameEnd < text.size() && isSeparator(text[layout.rootNameEnd]);
+  layout.rootEnd = layout.rootNameEnd + (rootDirectory ? 1 : 0);
+  return layout;
+}
 
 std::string posixName(Path const &path) {
   return withSeparator(textOf(path), '\\', '/');
@@ -178,14 +136,6 @@ std::string posixName(Path const &path) {
 
 Path pathFromSystem(std::string const &name) {
   return storedPath(withSeparator(name, '/', '\\'));
-}
-
-void throwFilesystemError(char const *message, Path const &path, std::error_code code) {
-  throw fs::filesystem_error(message, fs::path(posixName(path)), code);
-}
-
-void throwFilesystemError(char const *message, Path const &path1, Path const &path2, std::error_code code) {
-  throw fs::filesystem_error(message, fs::path(posixName(path1)), fs::path(posixName(path2)), code);
 }
 
 }  // namespace Internal
@@ -272,7 +222,7 @@ Path Path::root_name() const {
 }
 
 Path Path::root_directory() const {
-  Layout const layout = layoutOf(textOf(*this));
+  PathLayout const layout = layoutOf(textOf(*this));
   return storedPath(textOf(*this).substr(layout.rootNameEnd, layout.rootEnd - layout.rootNameEnd));
 }
 
@@ -316,7 +266,7 @@ bool Path::has_relative_path() const {
   return layoutOf(textOf(*this)).rootEnd < textOf(*this).size();
 }
 bool Path::has_root_directory() const {
-  Layout const layout = layoutOf(textOf(*this));
+  PathLayout const layout = layoutOf(textOf(*this));
   return layout.rootEnd > layout.rootNameEnd;
 }
 bool Path::has_root_name() const {
@@ -359,7 +309,7 @@ Path &Path::normalize() {
                      text.back() != '\\' && text.back() != '.';
   if (clean) return *this;
 
-  Layout const layout = layoutOf(text);
+  PathLayout const layout = layoutOf(text);
   std::vector<std::string_view> kept;
   std::size_t climbs = 0;
   for (std::string_view const element : elementsOf(text, layout.rootEnd)) {
@@ -420,42 +370,11 @@ Path &Path::replace_extension(Path const &extension) {
   return *this;
 }
 
-Path Path::complete_path() const {
-  return system_complete().normalize();
-}
-Path Path::physical_path() const {
-  return complete_path();
-}
-
-Path Path::system_complete() const {
-  if (is_absolute()) return *this;
-  std::error_code code;
-  fs::path const cwd = fs::current_path(code);
-  if (code) {
-    Internal::throwFilesystemError("absolute(p1, p2): current_path() couldn't get current working directory",
-                                   *this, code);
-  }
-  Path const current = Internal::pathFromSystem(cwd.native());
-  std::string const &text = textOf(*this);
-  Layout const layout = layoutOf(text);
-  std::string_view const rootName(text.data(), layout.rootNameEnd);
-  Path const relative = storedPath(text.substr(layout.rootEnd));
-  // Being relative, the path has no root directory: the current one's follows the shared root name.
-  std::string_view const currentRootName(textOf(current).data(), layoutOf(textOf(current)).rootNameEnd);
-  if (rootName.empty() || rootName == currentRootName) return Path(current) /= relative;
-  // Another drive: its current directory, where the environment keeps one.
-  VxString drive;
-  if (getEnvVxstringAllowEmpty(VxString("=") + VxString(std::string(rootName)), &drive)) {
-    return Path(drive) /= relative;
-  }
-  return storedPath(std::string(rootName) + '\\' + textOf(relative));
-}
-
 Path Path::resolve_path(Path const &relative) const {
   std::string const &base = textOf(*this);
   std::string const &other = textOf(relative);
-  Layout const baseLayout = layoutOf(base);
-  Layout const otherLayout = layoutOf(other);
+  PathLayout const baseLayout = layoutOf(base);
+  PathLayout const otherLayout = layoutOf(other);
   bool const otherRootName = otherLayout.rootNameEnd > 0;
   bool const otherRootDirectory = otherLayout.rootEnd > otherLayout.rootNameEnd;
   std::string resolved;
@@ -529,37 +448,6 @@ bool Path::is_relative() const {
   return !is_absolute();
 }
 
-bool Path::exists() const {
-  return fs::exists(statusOf(*this, true));
-}
-bool Path::is_directory() const {
-  return fs::is_directory(statusOf(*this, true));
-}
-bool Path::is_regular_file() const {
-  return fs::is_regular_file(statusOf(*this, true));
-}
-bool Path::is_readable() const {
-  return accessible(*this, R_OK);
-}
-bool Path::is_writable() const {
-  return accessible(*this, W_OK);
-}
-
-std::uint64_t Path::file_size() const {
-  std::error_code code;
-  std::uintmax_t const size = fs::file_size(Internal::posixName(*this), code);
-  if (code) Internal::throwFilesystemError("file_size(p): invalid argument", *this, code);
-  return size;
-}
-
-bool Path::equivalent(Path const &other) {
-  if (compare_filenames(system_complete(), other.system_complete()) == 0) return true;
-  std::error_code code;
-  bool const same = fs::equivalent(Internal::posixName(*this), Internal::posixName(other), code);
-  if (code) Internal::throwFilesystemError("equivalent(p1, p2): invalid arguments", *this, other, code);
-  return same;
-}
-
 bool Path::equal_filenames(Path const &other) const {
   return compare_filenames(*this, other) == 0;
 }
@@ -574,13 +462,6 @@ bool Path::starts_with(Path const &prefix) const {
   return Internal::startsWithUpperCase(textOf(*this), textOf(prefix));
 }
 
-bool Path::is_contained_within_path(Path const &other) const {
-  return system_complete().starts_with(other.system_complete());
-}
-bool Path::is_contained_within_path_physical(Path const &other) const {
-  return physical_path().starts_with(other.physical_path());
-}
-
 bool Path::is_separator(int c) noexcept {
   return c == '/' || c == '\\';
 }
@@ -592,87 +473,6 @@ bool Path::ends_with_separator(VxStringView text) noexcept {
 }
 VxString Path::add_separator(VxString const &text) {
   return ends_with_separator(text) ? text : text + "\\";
-}
-
-Path Path::current_path() {
-  std::error_code code;
-  fs::path const cwd = fs::current_path(code);
-  if (code) throw fs::filesystem_error("current_path(): can't get current working directory", code);
-  return Internal::pathFromSystem(cwd.native());
-}
-
-bool Path::create_directory() const {
-  return makeDirectory(
-      *this, "create_directory(p): invalid argument",
-      [](std::string const &name, std::error_code &code) { fs::create_directory(name, code); });
-}
-
-bool Path::create_directories() const {
-  return makeDirectory(
-      *this, "create_directories(p): invalid argument",
-      [](std::string const &name, std::error_code &code) { fs::create_directories(name, code); });
-}
-
-bool Path::delete_directory() const {
-  return is_directory() && removeEntry(*this);
-}
-
-bool Path::delete_file() const {
-  bool const link = fs::is_symlink(statusOf(*this, false));
-  if (!link && !exists()) return false;
-  if (is_directory()) return false;
-  return removeEntry(*this);
-}
-
-bool Path::delete_file_or_directory() const {
-  if (!exists() && !fs::is_symlink(statusOf(*this, false))) return false;
-  return removeEntry(*this);
-}
-
-bool Path::remove_all() const {
-  std::error_code code;
-  std::uintmax_t const removed = fs::remove_all(Internal::posixName(*this), code);
-  if (code) Internal::throwFilesystemError("remove_all(p): invalid argument", *this, code);
-  return removed > 0;
-}
-bool Path::removeAllFilesDirectoriesRecursively() const {
-  return remove_all();
-}
-
-bool Path::rename(Path const &target) const {
-  char const *const message = "rename(p1, p2): invalid arguments";
-  std::string const from = Internal::posixName(*this);
-  std::string const to = Internal::posixName(target);
-  if (!fs::exists(statusOf(*this, false))) {
-    Internal::throwFilesystemError(message, *this, target,
-                                   std::make_error_code(std::errc::no_such_file_or_directory));
-  }
-  std::error_code code;
-  if (fs::exists(statusOf(target, false))) {
-    if (fs::equivalent(from, to, code) && !code) return true;
-    if (!code) fs::remove(to, code);
-    if (code) Internal::throwFilesystemError(message, *this, target, code);
-  }
-  fs::rename(from, to, code);
-  if (code) Internal::throwFilesystemError(message, *this, target, code);
-  return true;
-}
-
-std::FILE *Path::fopen(char const *mode) const {
-  if (!mode) {
-    errno = EINVAL;
-    return nullptr;
-  }
-  std::FILE *stream = std::fopen(Internal::posixName(*this).c_str(), mode);
-  std::string const &text = textOf(*this);
-  if (!stream && text.size() >= 2 && text.find("..") != std::string::npos) {
-    try {
-      stream = std::fopen(Internal::posixName(complete_path()).c_str(), mode);
-    } catch (std::exception const &) {
-      // No current directory: the first answer stands.
-    }
-  }
-  return stream;
 }
 
 }  // namespace Experimental
