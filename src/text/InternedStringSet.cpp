@@ -12,10 +12,6 @@ namespace {
 
 constexpr std::uint64_t initialBucketCount = 8;
 
-bool sameText(VxString const &a, VxString const &b) noexcept {
-  return a.length() == b.length() && (a.length() == 0 || std::memcmp(a.data(), b.data(), a.length()) == 0);
-}
-
 }  // namespace
 
 InternedStringSet::InternedStringSet() : m_buckets(initialBucketCount, nullptr) {}
@@ -31,15 +27,15 @@ InternedStringSet::~InternedStringSet() {
 }
 
 VxString const &InternedStringSet::intern(char const *text, std::uint64_t length) {
-  // The candidate's record gives the cached fields, so every byte up to `length` takes part in
-  // hash and equality, embedded NULs included.
-  std::unique_ptr<Node> candidate(new Node{nullptr, 0, VxString(text, length)});
-  candidate->hash = fnv1aHash(candidate->value);
-
-  Node *&head = m_buckets[candidate->hash & (m_buckets.size() - 1)];
+  // Every byte up to `length` takes part in hash and equality, embedded NULs included. A name that is
+  // already there is found from the caller's bytes: hashed once, nothing allocated.
+  VxStringView const wanted(text, length);
+  std::uint64_t const hash = fnv1aHash(wanted);
+  Node *&head = m_buckets[hash & (m_buckets.size() - 1)];
   for (Node *node = head; node != nullptr; node = node->next) {
-    if (node->hash == candidate->hash && sameText(node->value, candidate->value)) return node->value;
+    if (node->hash == hash && node->value.view() == wanted) return node->value;
   }
+  std::unique_ptr<Node> candidate(new Node{nullptr, hash, VxString(text, length)});
 
   constexpr std::uint64_t maxSize = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Node);
   if (m_size >= maxSize) throw std::length_error("list<T> too long");

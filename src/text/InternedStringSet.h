@@ -18,8 +18,7 @@ class InternedStringSet {
   InternedStringSet(InternedStringSet const &) = delete;
   InternedStringSet &operator=(InternedStringSet const &) = delete;
 
-  // The element equal to the text, added first if there is none. The text is always copied into a
-  // candidate first; on any failure the set is as it was.
+  // The element equal to the text, added first if there is none; on any failure the set is as it was.
   VxString const &intern(char const *text, std::uint64_t length);
 
   std::uint64_t size() const noexcept { return m_size; }

@@ -1,6 +1,7 @@
 // Holds the string to its allocation promises.
 #include <support/CountingAllocator.h>
 
+#include <VantraCore/InternedString.h>
 #include <VantraCore/StringUtilities.h>
 #include <VantraCore/VxString.h>
 
@@ -40,4 +41,15 @@ TEST(VxStringMemory, BuildingAllocatesOnceAndTheLastReleaseFrees) {
   }
   EXPECT_EQ(records.allocations(), 1u);
   EXPECT_EQ(records.releases(), 1u);
+}
+
+TEST(VxStringMemory, InterningAKnownNameAllocatesNothing) {
+  char const text[] = "known\0name";
+  InternedString const whole(text, sizeof text - 1), prefix(text, 5);
+  ASSERT_NE(prefix.data(), whole.data());  // the NUL and what follows it count
+  Counter counter;
+  InternedString const wholeAgain(text, sizeof text - 1), prefixAgain(text, 5);
+  EXPECT_EQ(counter.allocations(), 0u);
+  EXPECT_EQ(wholeAgain.data(), whole.data());
+  EXPECT_EQ(prefixAgain.data(), prefix.data());
 }
