@@ -17,21 +17,6 @@ void writeKey(std::ostream &out, InternedString key) {
   out.write(key.data(), static_cast<std::streamsize>(key.length()));
 }
 
-// Converts before writing any element, so a refused kind leaves no opening bracket behind.
-template <class T, class Storage, class WriteElement>
-void writeElements(std::ostream &out, VxVariantGeneric<Storage> const &value, bool bracketed,
-                   WriteElement const &writeElement) {
-  auto const elements = value.template asIterable<T>(conversionCast);
-  if (bracketed) out << '[';
-  char const *separator = "";
-  for (T const &element : elements) {
-    out << separator;
-    writeElement(element);
-    separator = ", ";
-  }
-  if (bracketed) out << ']';
-}
-
 // The type each element kind prints through: a time kind goes to int64_t, whose conversion refuses it.
 template <class T>
 using PrintedAs = std::conditional_t<
