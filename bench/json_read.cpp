@@ -1,4 +1,4 @@
-#include <formatting/JsonReader.h>
+#include <VantraCore/JsonFormatter.h>
 
 #include <benchmark/benchmark.h>
 #include <nlohmann/json.hpp>
@@ -40,7 +40,7 @@ BENCHMARK(BM_LibraryParseAlone)->Unit(benchmark::kMillisecond);
 void BM_ReadDoubleArrayVariant(benchmark::State &state) {
   VxString const text(doubleArrayDocument());
   for (auto _ : state)
-    benchmark::DoNotOptimize(Internal::readJsonVariant(text));
+    benchmark::DoNotOptimize(JsonFormatter::deserializeVxVariant(text));
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.length()));
 }
 BENCHMARK(BM_ReadDoubleArrayVariant)->Unit(benchmark::kMillisecond);

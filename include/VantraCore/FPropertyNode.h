@@ -321,7 +321,8 @@ inline PropertyMap FPropertyMap::thaw() const {
 }
 
 // One line for test failure messages: a null node as "<NULL>", a value as its variant text, a list as
-// "{1, 2}", a map as "{{'a', 1}, {'b', 2}}"; empty lists and maps as "{}".
+// "{1, 2}", a map as "{{'a', 1}, {'b', 2}}"; empty lists and maps as "{}". Declared beside the classes
+// so that argument-dependent lookup finds them; defined in src/formatting, the layer that draws trees.
 VANTRACORE_API void PrintTo(FPropertyNode const &node, std::ostream *out);
 VANTRACORE_API void PrintTo(FPropertyList const &list, std::ostream *out);
 VANTRACORE_API void PrintTo(FPropertyMap const &map, std::ostream *out);

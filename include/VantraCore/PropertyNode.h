@@ -324,6 +324,7 @@ PropertyNode &PropertyNode::set(InternedString key, Child &&child) {
 }
 
 // One line for test failure messages, through the frozen tree: see the FPropertyNode overloads.
+// Declared beside the classes so that argument-dependent lookup finds them; defined in src/formatting.
 VANTRACORE_API void PrintTo(PropertyNode const &node, std::ostream *out);
 VANTRACORE_API void PrintTo(PropertyList const &list, std::ostream *out);
 VANTRACORE_API void PrintTo(PropertyMap const &map, std::ostream *out);

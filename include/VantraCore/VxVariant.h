@@ -537,7 +537,8 @@ static_assert(sizeof(VxVariant) == 40 && offsetof(Internal::VxVariantDirectStora
 static_assert(sizeof(VxVariantAbi) == sizeof(void *), "VxVariantAbi: the holder pointer alone");
 
 // The one-line text of a value as ConsoleFormatter writes it, for test failure messages. Defined for
-// VxVariant and VxVariantAbi.
+// VxVariant and VxVariantAbi. Declared beside the class so that argument-dependent lookup finds it;
+// defined in src/formatting, the layer that draws variants.
 template <class Storage>
 VANTRACORE_API void PrintTo(VxVariantGeneric<Storage> const &value, std::ostream *out);
 

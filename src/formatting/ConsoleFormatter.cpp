@@ -1,5 +1,6 @@
 #include <VantraCore/ConsoleFormatter.h>
 
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/WellKnownType.h>
 
 #include <algorithm>
@@ -7,26 +8,45 @@
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <type_traits>
 
 namespace Tarvex::VantraCore {
 namespace {
-
-using Internal::WellKnownTypeValue;
 
 void writeKey(std::ostream &out, InternedString key) {
   out.write(key.data(), static_cast<std::streamsize>(key.length()));
 }
 
-// Converts before writing anything, so a refused kind leaves no opening bracket behind.
-template <class T, class Storage, class WriteElement>
-void writeElements(std::ostream &out, VxVariantGeneric<Storage> const &value, bool bracketed,
-                   WriteElement const &writeElement) {
+// The type each element kind prints through: a time kind goes to int64_t, whose conversion refuses it.
+template <class T>
+using PrintedAs = std::conditional_t<
+    std::is_same_v<T, VxString> || std::is_same_v<T, bool>, T,
+    std::conditional_t<isComplexElement<T>, std::complex<double>,
+                       std::conditional_t<isFloatingKind(wellKnownTypeOf<T>()), double,
+                                          std::conditional_t<isUnsignedKind(wellKnownTypeOf<T>()),
+                                                             std::uint64_t, std::int64_t>>>>;
+
+template <class T>
+void writeElement(std::ostream &out, T const &element) {
+  if constexpr (std::is_same_v<T, VxString>) {
+    out << '\'';
+    out.write(element.data(), static_cast<std::streamsize>(element.size()));
+    out << '\'';
+  } else {
+    out << element;
+  }
+}
+
+// Converts before writing any element, so a refused kind leaves no opening bracket behind.
+template <class T, class Storage>
+void writeElements(std::ostream &out, VxVariantGeneric<Storage> const &value, bool bracketed) {
+  if constexpr (std::is_same_v<T, bool>) out << std::boolalpha;
   auto const elements = value.template asIterable<T>(conversionCast);
   if (bracketed) out << '[';
   char const *separator = "";
   for (T const &element : elements) {
     out << separator;
-    writeElement(element);
+    writeElement(out, element);
     separator = ", ";
   }
   if (bracketed) out << ']';
@@ -40,29 +60,11 @@ void writeVariant(std::ostream &out, VxVariantGeneric<Storage> const &value) {
   }
   ArrayDimensionsView const dims = value.dimensions();
   bool const bracketed = !std::all_of(dims.begin(), dims.end(), [](std::uint64_t size) { return size == 1; });
-  WellKnownType const kind = value.wellKnownDataType();
-  auto const code = static_cast<std::uint16_t>(kind.value());
-  auto const plain = [&out](auto const &element) { out << element; };
-
-  if (kind == WellKnownTypeValue::typeString) {
-    writeElements<VxString>(out, value, bracketed, [&out](VxString const &text) {
-      out << '\'';
-      out.write(text.data(), static_cast<std::streamsize>(text.size()));
-      out << '\'';
-    });
-  } else if ((code & Internal::wellKnownTypeComplexBit) != 0) {
-    writeElements<std::complex<double>>(out, value, bracketed, plain);
-  } else if (kind == WellKnownTypeValue::typeBool) {
-    out << std::boolalpha;
-    writeElements<bool>(out, value, bracketed, plain);
-  } else if (kind == WellKnownTypeValue::typeDouble || kind == WellKnownTypeValue::typeFloat) {
-    writeElements<double>(out, value, bracketed, plain);
-  } else if ((code & Internal::wellKnownTypeUnsignedBit) != 0) {
-    writeElements<std::uint64_t>(out, value, bracketed, plain);
-  } else {
-    // Time kinds end here too, and their conversion refuses them.
-    writeElements<std::int64_t>(out, value, bracketed, plain);
-  }
+  // A kind outside the list (a custom one) goes the way of the signed integers.
+  Internal::findElementKind(
+      value.wellKnownDataType(),
+      [&](auto tag) { writeElements<PrintedAs<typename decltype(tag)::type>>(out, value, bracketed); },
+      [&] { writeElements<std::int64_t>(out, value, bracketed); });
 }
 
 // The drawing of either tree, mutable or frozen. A nested entry's lead starts with the line end that
@@ -119,64 +121,6 @@ std::ostream &ConsoleFormatter::serialize(PropertyNode node, std::ostream &out) 
 
 std::ostream &ConsoleFormatter::serialize(FPropertyNode node, std::ostream &out) {
   return drawRoot(out, node);
-}
-
-template <class Storage>
-void PrintTo(VxVariantGeneric<Storage> const &value, std::ostream *out) {
-  writeVariant(*out, value);
-}
-template VANTRACORE_API void PrintTo(VxVariant const &value, std::ostream *out);
-template VANTRACORE_API void PrintTo(VxVariantAbi const &value, std::ostream *out);
-
-void PrintTo(FPropertyNode const &node, std::ostream *out) {
-  switch (node.kind()) {
-    case PropertyNodeKind::Value:
-      return writeVariant(*out, node.value());
-    case PropertyNodeKind::List:
-      return PrintTo(node.list(), out);
-    case PropertyNodeKind::Map:
-      return PrintTo(node.map(), out);
-    case PropertyNodeKind::Null:
-      break;
-  }
-  *out << "<NULL>";
-}
-
-void PrintTo(FPropertyList const &list, std::ostream *out) {
-  *out << '{';
-  char const *separator = "";
-  for (FPropertyNode const &node : list) {
-    *out << separator;
-    PrintTo(node, out);
-    separator = ", ";
-  }
-  *out << '}';
-}
-
-void PrintTo(FPropertyMap const &map, std::ostream *out) {
-  *out << '{';
-  char const *separator = "";
-  for (FPropertyMapEntry const &entry : map) {
-    *out << separator << "{'";
-    writeKey(*out, entry.key);
-    *out << "', ";
-    PrintTo(entry.node, out);
-    *out << '}';
-    separator = ", ";
-  }
-  *out << '}';
-}
-
-void PrintTo(PropertyNode const &node, std::ostream *out) {
-  PrintTo(FPropertyNode(node), out);
-}
-
-void PrintTo(PropertyList const &list, std::ostream *out) {
-  PrintTo(FPropertyList(list), out);
-}
-
-void PrintTo(PropertyMap const &map, std::ostream *out) {
-  PrintTo(FPropertyMap(map), out);
 }
 
 }  // namespace Tarvex::VantraCore

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <VantraCore/InternedString.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
-#include <VantraCore/VxVariant.h>
-#include <VantraCore/WellKnownType.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// The parsed form that all JSON readers walk. The JSON library stays behind parseDocument.
+// The parsed form that all JSON readers walk. The JSON library stays behind parseJsonDocument.
 namespace Tarvex::VantraCore::Internal {
 
 enum class JsonType : std::uint8_t {
@@ -48,31 +47,21 @@ struct JsonDocument {
   std::vector<std::string> strings;
 };
 
+// Deeper nesting is refused while parsing, so that neither parser nor reader can run out of stack.
+inline constexpr std::size_t jsonReaderMaxDepth = 1000;
+
 // Exactly one JSON value, else std::invalid_argument "parse error ..."; "stream error" for a stream
 // that is not good at the start.
 JsonDocument parseJsonDocument(std::istream &in);
 JsonDocument parseJsonDocument(VxString const &text);
 
-// What a variant document says of its shape.
-struct VariantShape {
-  std::vector<std::uint64_t> dimensions;
-  DataOrdering ordering;
-};
-
 // Reads values of a parsed document by entry index; the root is entry 0. Holds references only.
-class JsonDocumentReader {
+class JsonCursor {
  public:
   static constexpr std::size_t absent = std::numeric_limits<std::size_t>::max();
 
-  explicit JsonDocumentReader(JsonDocument const &document)
+  explicit JsonCursor(JsonDocument const &document)
       : m_entries(document.entries), m_strings(document.strings) {}
-
-  // The strict readers of the full-fidelity documents.
-  VxVariant variant(std::size_t at) const;
-  PropertyNode node(std::size_t at) const;
-  // The variant reader for a document whose metadata is already known: `type` stands for its
-  // `_wellknowntype_`, `shape` for `_dimensions_` and `_dataorder_`.
-  VxVariant variant(std::size_t at, WellKnownType type, VariantShape const &shape) const;
 
   // An absent index reads as null.
   JsonType typeOf(std::size_t at) const { return at == absent ? JsonType::null : m_entries[at].type; }
@@ -88,15 +77,18 @@ class JsonDocumentReader {
   std::uint64_t itemCount(std::size_t container) const;
   // The value of the member named `name`, the last one if the name repeats, as the library keeps it.
   std::size_t member(std::size_t object, char const *name) const;
+  bool has(std::size_t object, char const *name) const { return member(object, name) != absent; }
   // The object's members in byte-wise key order, a repeated key by its last value.
   std::vector<std::pair<std::string const *, std::size_t>> members(std::size_t object) const;
 
+  // The text of a string, else std::domain_error "type must be string, but is ..."
   std::string const &text(std::size_t at) const;
-  WellKnownType parseType(std::size_t at) const;
-  // An array of unsigned numbers.
-  std::vector<std::uint64_t> unsignedArray(std::size_t at) const;
+  // std::domain_error "type must be <wanted>, but is <the JSON type of the value at `at`>".
   [[noreturn]] void typeMustBe(char const *wanted, std::size_t at) const;
+  // The library's name of the JSON type at `at`, as its messages use it.
+  char const *typeName(std::size_t at) const;
 
+  // A list of child(item) for each item of an array.
   template <class Child>
   PropertyNode list(std::size_t array, Child const &child) const {
     PropertyList result;
@@ -104,6 +96,7 @@ class JsonDocumentReader {
       result.push_back(child(item));
     return PropertyNode(std::move(result));
   }
+  // A map of child(value) for each member of an object, under its interned key.
   template <class Child>
   PropertyNode map(std::size_t object, Child const &child) const {
     PropertyNode result{PropertyMap()};
@@ -113,27 +106,15 @@ class JsonDocumentReader {
   }
 
  private:
-  // `shapeOf()` gives the shape; it is asked only for an array `_data_`.
-  template <class ShapeOf>
-  VxVariant variantOfKind(std::size_t at, WellKnownType type, ShapeOf const &shapeOf) const;
-  std::size_t part(std::size_t object, char const *name) const;
-  template <class T>
-  T number(std::size_t at, bool acceptBoolean) const;
-  template <class T>
-  T element(std::size_t at) const;
-  VariantShape shape(std::size_t object) const;
-  template <class T, class ShapeOf>
-  VxVariant variantData(std::size_t data, ShapeOf const &shapeOf) const;
-
   std::vector<JsonEntry> const &m_entries;
   std::vector<std::string> const &m_strings;
 };
 
-// Parses `source` (a stream or a VxString) and reads its root by read(reader, 0).
+// Parses `source` (a stream or a VxString) and reads its root by read(cursor, 0).
 template <class Source, class Read>
 auto readJsonDocument(Source &source, Read const &read) {
   JsonDocument const document = parseJsonDocument(source);
-  return read(JsonDocumentReader(document), std::size_t(0));
+  return read(JsonCursor(document), std::size_t(0));
 }
 
 }  // namespace Tarvex::VantraCore::Internal

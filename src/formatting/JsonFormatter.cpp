@@ -4,6 +4,9 @@
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
 
+#include <formatting/FullFidelityJsonReader.h>
+#include <formatting/JsonDocument.h>
+#include <formatting/JsonKeys.h>
 #include <formatting/JsonTreeWriter.h>
 
 #include <algorithm>
@@ -18,51 +21,44 @@ namespace Tarvex::VantraCore {
 namespace {
 
 using Internal::int128_t;
+namespace JsonKey = Internal::JsonKey;
 using Internal::jsonText;
 using Internal::JsonTextWriter;
 using Internal::jsonToStream;
 using Internal::writeElement;
 
-// 10^15: ticks of a Duration per second.
-int128_t const ticksPerSecond(std::int64_t(1000000000000000));
-
 void writeSplit(JsonTextWriter &out, std::int64_t seconds, int128_t const &subseconds) {
   out.beginObject();
-  out.key("seconds");
+  out.key(JsonKey::seconds);
   out.integer(seconds);
-  out.key("subseconds");
+  out.key(JsonKey::subseconds);
   out.unsignedInteger(subseconds.lower());
   out.endObject();
 }
 
 // A negative remainder folds into the second below, so subseconds stays within [0, 10^15).
 void writeElement(JsonTextWriter &out, Duration const &value) {
-  int128_t const count = value.count();
-  auto seconds = static_cast<std::int64_t>(count / ticksPerSecond);
-  int128_t rest = count - int128_t(seconds) * ticksPerSecond;
-  if (seconds < 1 && rest < int128_t(0)) {
-    --seconds;
-    rest = ticksPerSecond - int128_t(rest.magnitude());
-  }
-  writeSplit(out, seconds, rest);
+  SplitSeconds const split = splitSeconds(value.count());
+  writeSplit(out, split.seconds, split.subseconds);
 }
 
 // Unlike a duration, a negative quotient always steps one second down, exact or not: documents written
 // so far carry that form, and readers restore the count from it either way.
 void writeElement(JsonTextWriter &out, Timestamp const &value) {
   int128_t const count = value.time_since_epoch().count();
-  int128_t quotient = count / ticksPerSecond;
+  int128_t const perSecond(femtosecondsPerSecond);
+  int128_t quotient = count / perSecond;
   if (quotient < int128_t(0)) --quotient;
   auto const seconds = static_cast<std::int64_t>(quotient);
-  writeSplit(out, seconds, count - int128_t(seconds) * ticksPerSecond);
+  writeSplit(out, seconds, count - int128_t(seconds) * perSecond);
 }
 
 template <class T>
 void writeComplex(JsonTextWriter &out, T re, T im) {
   out.beginObject();
-  out.key("im");
+  out.key(JsonKey::imaginary);
   writeElement(out, im);
-  out.key("re");
+  out.key(JsonKey::real);
   writeElement(out, re);
   out.endObject();
 }
@@ -84,7 +80,7 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
     throw std::logic_error("Cannot serialze custom types");
 
   out.beginObject();
-  out.key("_data_");
+  out.key(JsonKey::data);
   bool const scalar = value.isScalarStorage();
   bool const null = kind == WellKnownType();
   if (null || value.numberOfElements() == 0) {
@@ -108,19 +104,19 @@ void writeVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &value) {
   if (!null && !scalar) {
     DataOrdering const ordering = value.dataOrdering();
     if (ordering == rowMajor || ordering == columnMajor) {
-      out.key("_dataorder_");
-      out.string(ordering == rowMajor ? "rowMajor" : "columnMajor");
+      out.key(JsonKey::dataOrder);
+      out.string(ordering == rowMajor ? JsonKey::rowMajor : JsonKey::columnMajor);
     }
     ArrayDimensionsView const dims = value.dimensions();
     if (dims.count > 0) {
-      out.key("_dimensions_");
+      out.key(JsonKey::dimensions);
       out.beginArray();
       for (std::uint64_t const size : dims)
         out.unsignedInteger(size);
       out.endArray();
     }
   }
-  out.key("_wellknowntype_");
+  out.key(JsonKey::wellKnownType);
   VxStringView const name = kind.toString();
   out.string(std::string_view(name.data(), name.size()));
   out.endObject();
@@ -162,6 +158,22 @@ VxString JsonFormatter::serialize(FPropertyNode node, int indent) {
 
 void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent) {
   jsonToStream(out, indent, [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
+}
+
+VxVariant JsonFormatter::deserializeVxVariant(std::istream &in) {
+  return Internal::readJsonDocument(in, Internal::readFullVariant);
+}
+
+VxVariant JsonFormatter::deserializeVxVariant(VxString text) {
+  return Internal::readJsonDocument(text, Internal::readFullVariant);
+}
+
+PropertyNode JsonFormatter::deserializePropertyNode(std::istream &in) {
+  return Internal::readJsonDocument(in, Internal::readFullNode);
+}
+
+PropertyNode JsonFormatter::deserializePropertyNode(VxString text) {
+  return Internal::readJsonDocument(text, Internal::readFullNode);
 }
 
 }  // namespace Tarvex::VantraCore

@@ -1,15 +1,13 @@
 #include <VantraCore/JsonFormatterLowFidelity.h>
 
-#include <VantraCore/Complex.h>
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
 
+#include <formatting/ForeignJsonReader.h>
 #include <formatting/JsonDocument.h>
 #include <formatting/JsonTreeWriter.h>
-#include <formatting/LenientJsonReader.h>
 
 #include <climits>
-#include <complex>
 #include <cstdio>
 #include <ctime>
 #include <vector>
@@ -21,13 +19,6 @@ using Internal::int128_t;
 using Internal::JsonTextWriter;
 using Internal::writeElement;
 
-template <class T>
-constexpr bool isComplexKind = false;
-template <class T>
-constexpr bool isComplexKind<std::complex<T>> = true;
-template <class T>
-constexpr bool isComplexKind<Complex<T>> = true;
-
 // The tick count as decimal text: no JSON number holds 128 bits.
 void writeElement(JsonTextWriter &out, Duration const &value) {
   out.string(value.count().str());
@@ -36,8 +27,7 @@ void writeElement(JsonTextWriter &out, Duration const &value) {
 // The asctime text of the UTC second, line feed included; the fraction is dropped. A second whose
 // year no calendar text can hold writes null.
 void writeElement(JsonTextWriter &out, Timestamp const &value) {
-  int128_t const seconds =
-      value.time_since_epoch().count() / int128_t(std::int64_t(1000000000000)) / int128_t(std::int64_t(1000));
+  int128_t const seconds = value.time_since_epoch().count() / int128_t(femtosecondsPerSecond);
   auto const whole = static_cast<std::time_t>(static_cast<std::int64_t>(seconds));
   std::tm calendar{};
   if (int128_t(std::int64_t(whole)) != seconds || gmtime_r(&whole, &calendar) == nullptr ||
@@ -98,7 +88,7 @@ void writePlainVariant(JsonTextWriter &out, VxVariantGeneric<Storage> const &val
   if (kind == WellKnownType() || value.numberOfElements() == 0) return out.null();
   Internal::dispatchWellKnownType(kind, [&](auto tag) {
     using T = typename decltype(tag)::type;
-    if constexpr (isComplexKind<T>) {
+    if constexpr (isComplexElement<T>) {
       out.null();
     } else {
       auto const elements = value.template asIterable<T>();

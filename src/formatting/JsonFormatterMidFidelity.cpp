@@ -1,7 +1,7 @@
 #include <VantraCore/JsonFormatterMidFidelity.h>
 
+#include <formatting/ForeignJsonReader.h>
 #include <formatting/JsonDocument.h>
-#include <formatting/LenientJsonReader.h>
 
 #include <utility>
 

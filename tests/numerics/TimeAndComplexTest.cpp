@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 using namespace Tarvex::VantraCore;
 using Internal::int128_t;
 
@@ -22,6 +24,27 @@ TEST(Time, TimestampCountsFromTheSystemEpoch) {
   EXPECT_EQ(Timestamp(Duration(int128_t(0))), Timestamp(std::chrono::system_clock::time_point()));
   auto const now = std::chrono::system_clock::now();
   EXPECT_EQ(std::chrono::time_point_cast<std::chrono::system_clock::duration>(Timestamp(now)), now);
+}
+
+TEST(Time, SplitSecondsRoundsDownAndTellsWhenTheSecondsOverflow) {
+  int128_t const perSecond(femtosecondsPerSecond);
+  struct Case {
+    int128_t count;
+    std::int64_t seconds;
+    std::int64_t subseconds;
+  };
+  for (Case const &c : {Case{perSecond * int128_t(3) / int128_t(2), 1, 500000000000000},
+                        Case{perSecond * int128_t(-3) / int128_t(2), -2, 500000000000000},
+                        Case{-perSecond, -1, 0}, Case{int128_t(-1), -1, femtosecondsPerSecond - 1},
+                        Case{int128_t(INT64_MIN) * perSecond, INT64_MIN, 0}}) {
+    SplitSeconds const split = splitSeconds(c.count);
+    EXPECT_TRUE(split.exact) << c.count.str();
+    EXPECT_EQ(split.seconds, c.seconds) << c.count.str();
+    EXPECT_EQ(split.subseconds, int128_t(c.subseconds)) << c.count.str();
+  }
+  // One femtosecond below the least 64-bit second, and the first second above the greatest.
+  EXPECT_FALSE(splitSeconds(int128_t(INT64_MIN) * perSecond - int128_t(1)).exact);
+  EXPECT_FALSE(splitSeconds((int128_t(INT64_MAX) + int128_t(1)) * perSecond).exact);
 }
 
 TEST(Complex, TwoPartsStoredDensely) {

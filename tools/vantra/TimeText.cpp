@@ -14,21 +14,6 @@ using Internal::int128_t;
 
 namespace {
 
-int128_t const femtosPerSecond = int128_t(std::int64_t{1000000000000000});
-
-// Whole seconds rounded down and the femtoseconds after them, or false when the seconds exceed 64 bits.
-bool splitSeconds(int128_t count, std::int64_t &seconds, std::int64_t &femtos) {
-  int128_t quotient = count / femtosPerSecond;
-  int128_t remainder = count % femtosPerSecond;
-  if (remainder < int128_t(0)) {
-    quotient = quotient - int128_t(1);
-    remainder = remainder + femtosPerSecond;
-  }
-  seconds = static_cast<std::int64_t>(quotient);
-  femtos = static_cast<std::int64_t>(remainder);
-  return int128_t(seconds) == quotient;
-}
-
 // ".25" for 250000000000000 fs; nothing for 0.
 std::string fraction(std::int64_t femtos) {
   if (femtos == 0) return {};
@@ -42,21 +27,20 @@ std::string fraction(std::int64_t femtos) {
 std::string durationText(Duration value) {
   int128_t const count = value.count();
   Internal::uint128_t const magnitude = count.magnitude();
-  Internal::uint128_t const perSecond(femtosPerSecond);
+  Internal::uint128_t const perSecond(femtosecondsPerSecond);
   std::int64_t const femtos = static_cast<std::int64_t>(magnitude % perSecond);
   return (count.isNegative() ? "-" : "") + (magnitude / perSecond).str() + fraction(femtos) + " s";
 }
 
 std::string timestampText(Timestamp value) {
   int128_t const count = value.time_since_epoch().count();
-  std::int64_t seconds = 0, femtos = 0;
-  bool const split = splitSeconds(count, seconds, femtos);
-  std::time_t const whole = static_cast<std::time_t>(seconds);
+  SplitSeconds const split = splitSeconds(count);
+  std::time_t const whole = static_cast<std::time_t>(split.seconds);
   std::tm calendar{};
-  if (!split || gmtime_r(&whole, &calendar) == nullptr) return count.str() + " fs since the epoch";
+  if (!split.exact || gmtime_r(&whole, &calendar) == nullptr) return count.str() + " fs since the epoch";
   char text[64];
   std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &calendar);
-  return text + fraction(femtos) + "Z";
+  return text + fraction(static_cast<std::int64_t>(split.subseconds)) + "Z";
 }
 
 template <class Time, class Describe>

@@ -1,5 +1,9 @@
-#include <formatting/LenientJsonReader.h>
+#include <formatting/ForeignJsonReader.h>
 
+#include <formatting/FullFidelityJsonReader.h>
+#include <formatting/JsonKeys.h>
+
+#include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/VxString.h>
 
 #include <algorithm>
@@ -36,8 +40,8 @@ double numberOf(JsonEntry const &entry) {
 
 // The element kinds a plain array can hold, with the JSON type each takes.
 template <class T>
-T plainElement(JsonDocumentReader const &reader, std::size_t at) {
-  JsonEntry const &entry = reader.entry(at);
+T plainElement(JsonCursor const &cursor, std::size_t at) {
+  JsonEntry const &entry = cursor.entry(at);
   if constexpr (std::is_same_v<T, double>) {
     if (!isNumber(entry.type)) heterogeneous();
     return numberOf(entry);
@@ -45,7 +49,7 @@ T plainElement(JsonDocumentReader const &reader, std::size_t at) {
     if (entry.type != JsonType::boolean) heterogeneous();
     return entry.boolean;
   } else {
-    std::string const &text = reader.text(at);
+    std::string const &text = cursor.text(at);
     return VxString(text.data(), text.size());
   }
 }
@@ -55,81 +59,80 @@ T plainElement(JsonDocumentReader const &reader, std::size_t at) {
 // dims[d] items. Otherwise ragged arrays pass here and only the total count is checked, when the
 // variant is built from what was collected.
 template <class Leaf>
-void walkPlain(JsonDocumentReader const &reader, std::size_t at, std::vector<std::uint64_t> const &dims,
+void walkPlain(JsonCursor const &cursor, std::size_t at, std::vector<std::uint64_t> const &dims,
                std::size_t depth, bool exact, Leaf const &leaf) {
-  if (reader.typeOf(at) != JsonType::array) heterogeneous();
+  if (cursor.typeOf(at) != JsonType::array) heterogeneous();
   bool const innermost = depth + 1 == dims.size();
   std::uint64_t count = 0;
-  for (std::size_t item = at + 1; item < reader.end(at); item = reader.next(item)) {
+  for (std::size_t item = at + 1; item < cursor.end(at); item = cursor.next(item)) {
     if (exact && ++count > dims[depth]) heterogeneous();
     if (innermost) {
       leaf(item);
     } else {
-      walkPlain(reader, item, dims, depth + 1, exact, leaf);
+      walkPlain(cursor, item, dims, depth + 1, exact, leaf);
     }
   }
   if (exact && count != dims[depth]) heterogeneous();
 }
 
 template <class T>
-VxVariant plainArrayOf(JsonDocumentReader const &reader, std::size_t at, std::vector<std::uint64_t> dims) {
+VxVariant plainArrayOf(JsonCursor const &cursor, std::size_t at, std::vector<std::uint64_t> dims) {
   // Room for the shape, but never more than the text holds: the shape is only a guess until walked.
-  std::uint64_t room = 1;
-  for (std::uint64_t const size : dims)
-    room = __builtin_mul_overflow(room, size, &room) ? std::numeric_limits<std::uint64_t>::max() : room;
+  std::uint64_t room = 0;
+  if (!checkedElementCount(dims, room)) room = std::numeric_limits<std::uint64_t>::max();
   std::vector<T> elements;
-  elements.reserve(std::min<std::uint64_t>(room, reader.end(at) - at));
-  walkPlain(reader, at, dims, 0, false,
-            [&](std::size_t item) { elements.push_back(plainElement<T>(reader, item)); });
+  elements.reserve(std::min<std::uint64_t>(room, cursor.end(at) - at));
+  walkPlain(cursor, at, dims, 0, false,
+            [&](std::size_t item) { elements.push_back(plainElement<T>(cursor, item)); });
   return VxVariant(std::move(elements), std::move(dims), rowMajor);
 }
 
 // The shape follows first elements down; the innermost first element decides the kind.
-VxVariant plainArray(JsonDocumentReader const &reader, std::size_t at) {
+VxVariant plainArray(JsonCursor const &cursor, std::size_t at) {
   std::vector<std::uint64_t> dims;
   std::size_t array = at;
   for (;;) {
-    std::uint64_t const size = reader.itemCount(array);
+    std::uint64_t const size = cursor.itemCount(array);
     // An empty array has no first element to infer from.
     if (size == 0) return VxVariant();
     dims.push_back(size);
     std::size_t const first = array + 1;
-    if (reader.typeOf(first) != JsonType::array) break;
+    if (cursor.typeOf(first) != JsonType::array) break;
     // Nesting beyond the deepest supported rank cannot fit the shape.
     if (dims.size() == plainJsonMaxRank) heterogeneous();
     array = first;
   }
-  JsonType const kind = reader.typeOf(array + 1);
-  if (isNumber(kind)) return plainArrayOf<double>(reader, at, std::move(dims));
+  JsonType const kind = cursor.typeOf(array + 1);
+  if (isNumber(kind)) return plainArrayOf<double>(cursor, at, std::move(dims));
   switch (kind) {
     case JsonType::boolean:
-      return plainArrayOf<bool>(reader, at, std::move(dims));
+      return plainArrayOf<bool>(cursor, at, std::move(dims));
     case JsonType::string:
-      return plainArrayOf<VxString>(reader, at, std::move(dims));
+      return plainArrayOf<VxString>(cursor, at, std::move(dims));
     default:
       if (dims.size() == 1) return VxVariant();
       // Nothing is collected here, so the text must hold the whole shape before it is allocated.
-      walkPlain(reader, at, dims, 0, true, [](std::size_t) {});
+      walkPlain(cursor, at, dims, 0, true, [](std::size_t) {});
       return VxVariant::withShape<double>(std::move(dims));
   }
 }
 
-VxVariant plainArrayOrFault(JsonDocumentReader const &reader, std::size_t at) {
+VxVariant plainArrayOrFault(JsonCursor const &cursor, std::size_t at) {
   try {
-    return plainArray(reader, at);
+    return plainArray(cursor, at);
   } catch (...) {
     heterogeneous();
   }
 }
 
 // The kind of a `_data_` without `_wellknowntype_`.
-WellKnownType inferKind(JsonDocumentReader const &reader, std::size_t data) {
+WellKnownType inferKind(JsonCursor const &cursor, std::size_t data) {
   // An array is of the kind of its first element, all the way down.
-  while (reader.typeOf(data) == JsonType::array) {
-    if (reader.end(data) == data + 1) return WellKnownType();
+  while (cursor.typeOf(data) == JsonType::array) {
+    if (cursor.end(data) == data + 1) return WellKnownType();
     ++data;
   }
-  JsonType const type = reader.typeOf(data);
+  JsonType const type = cursor.typeOf(data);
   if (isNumber(type)) return WellKnownTypeValue::typeDouble;
   switch (type) {
     case JsonType::string:
@@ -137,12 +140,13 @@ WellKnownType inferKind(JsonDocumentReader const &reader, std::size_t data) {
     case JsonType::boolean:
       return WellKnownTypeValue::typeBool;
     case JsonType::object: {
-      auto const has = [&](char const *name) {
-        return reader.member(data, name) != JsonDocumentReader::absent;
-      };
-      if (has("re") || has("im")) return WellKnownTypeValue::typeComplexDouble;
+      if (cursor.has(data, JsonKey::real) || cursor.has(data, JsonKey::imaginary)) {
+        return WellKnownTypeValue::typeComplexDouble;
+      }
       // The two splits look alike; a timestamp is the likelier meaning.
-      if (has("seconds") || has("subseconds")) return WellKnownTypeValue::typeTimestamp;
+      if (cursor.has(data, JsonKey::seconds) || cursor.has(data, JsonKey::subseconds)) {
+        return WellKnownTypeValue::typeTimestamp;
+      }
       return WellKnownType();
     }
     default:
@@ -150,58 +154,49 @@ WellKnownType inferKind(JsonDocumentReader const &reader, std::size_t data) {
   }
 }
 
-// Completes the metadata of an object with `_data_` and reads it as a full-fidelity document.
-VxVariant readWithMetadata(JsonDocumentReader const &reader, std::size_t at) {
-  std::size_t const data = reader.member(at, "_data_");
-  std::size_t const typeText = reader.member(at, "_wellknowntype_");
-  WellKnownType const type =
-      typeText != JsonDocumentReader::absent ? reader.parseType(typeText) : inferKind(reader, data);
+// Completes the metadata of the object at `at`, whose `_data_` is at `data`, and reads it as a
+// full-fidelity document.
+VxVariant readWithMetadata(JsonCursor const &cursor, std::size_t at, std::size_t data) {
+  std::size_t const typeText = cursor.member(at, JsonKey::wellKnownType);
+  WellKnownType const type = typeText != JsonCursor::absent ? readKind(cursor, typeText) : inferKind(cursor, data);
 
-  VariantShape shape{{}, rowMajor};
-  std::size_t const order = reader.member(at, "_dataorder_");
-  if (order != JsonDocumentReader::absent) {
-    std::string const &name = reader.text(order);
-    if (name == "columnMajor") {
-      shape.ordering = columnMajor;
-    } else if (name != "rowMajor") {
-      throw std::runtime_error("dataOrder value: '" + name + "' is not recognized in conversion from JSON.");
-    }
-  }
-  std::size_t const dims = reader.member(at, "_dimensions_");
-  if (dims != JsonDocumentReader::absent) {
-    shape.dimensions = reader.unsignedArray(dims);
+  VariantShape shape{
+      {}, readDataOrder(cursor, at, {"dataOrder value: '", "' is not recognized in conversion from JSON."})};
+  std::size_t const dims = cursor.member(at, JsonKey::dimensions);
+  if (dims != JsonCursor::absent) {
+    shape.dimensions = readDimensions(cursor, dims);
   } else {
-    JsonType const dataType = reader.typeOf(data);
+    JsonType const dataType = cursor.typeOf(data);
     bool const container = dataType == JsonType::array || dataType == JsonType::object;
-    shape.dimensions = {container ? reader.itemCount(data) : dataType == JsonType::null ? 0 : 1};
+    shape.dimensions = {container ? cursor.itemCount(data) : dataType == JsonType::null ? 0 : 1};
   }
-  return reader.variant(at, type, shape);
+  return readVariantOfKind(cursor, data, type, [&shape] { return shape; });
 }
 
 // Arrays are lists and objects maps; with `metadata`, an object with `_data_` is a value instead.
-PropertyNode readTree(JsonDocumentReader const &reader, std::size_t at, bool metadata) {
-  auto const child = [&](std::size_t item) { return readTree(reader, item, metadata); };
-  switch (reader.typeOf(at)) {
+PropertyNode readTree(JsonCursor const &cursor, std::size_t at, bool metadata) {
+  auto const child = [&](std::size_t item) { return readTree(cursor, item, metadata); };
+  switch (cursor.typeOf(at)) {
     case JsonType::null:
       return PropertyNode();
     case JsonType::array:
-      return reader.list(at, child);
-    case JsonType::object:
-      if (metadata && reader.member(at, "_data_") != JsonDocumentReader::absent) {
-        return PropertyNode(readWithMetadata(reader, at));
-      }
-      return reader.map(at, child);
+      return cursor.list(at, child);
+    case JsonType::object: {
+      std::size_t const data = metadata ? cursor.member(at, JsonKey::data) : JsonCursor::absent;
+      if (data != JsonCursor::absent) return PropertyNode(readWithMetadata(cursor, at, data));
+      return cursor.map(at, child);
+    }
     case JsonType::key:
       throw std::runtime_error("Unknown JSON syntax encountered when deserializing to PropertyNode.");
     default:
-      return PropertyNode(readPlainVariant(reader, at));
+      return PropertyNode(readPlainVariant(cursor, at));
   }
 }
 
 }  // namespace
 
-VxVariant readPlainVariant(JsonDocumentReader const &reader, std::size_t at) {
-  JsonEntry const &entry = reader.entry(at);
+VxVariant readPlainVariant(JsonCursor const &cursor, std::size_t at) {
+  JsonEntry const &entry = cursor.entry(at);
   switch (entry.type) {
     case JsonType::integer:
     case JsonType::unsignedInteger:
@@ -210,36 +205,38 @@ VxVariant readPlainVariant(JsonDocumentReader const &reader, std::size_t at) {
     case JsonType::boolean:
       return VxVariant(entry.boolean);
     case JsonType::string: {
-      std::string const &text = reader.text(at);
+      std::string const &text = cursor.text(at);
       return VxVariant(VxString(text.data(), text.size()));
     }
     case JsonType::array:
-      return plainArrayOrFault(reader, at);
+      return plainArrayOrFault(cursor, at);
     default:
       return VxVariant();
   }
 }
 
-PropertyNode readPlainNode(JsonDocumentReader const &reader, std::size_t at) {
-  return readTree(reader, at, false);
+PropertyNode readPlainNode(JsonCursor const &cursor, std::size_t at) {
+  return readTree(cursor, at, false);
 }
 
-VxVariant readLenientVariant(JsonDocumentReader const &reader, std::size_t at) {
-  switch (reader.typeOf(at)) {
-    case JsonType::object:
-      if (reader.member(at, "_data_") == JsonDocumentReader::absent) {
+VxVariant readLenientVariant(JsonCursor const &cursor, std::size_t at) {
+  switch (cursor.typeOf(at)) {
+    case JsonType::object: {
+      std::size_t const data = cursor.member(at, JsonKey::data);
+      if (data == JsonCursor::absent) {
         throw std::runtime_error("Cannot deserialize JSON object to VxVariant without VxVariant metadata.");
       }
-      return readWithMetadata(reader, at);
+      return readWithMetadata(cursor, at, data);
+    }
     case JsonType::key:
       throw std::runtime_error("Unknown JSON syntax encountered when deserializing to VxVariant.");
     default:
-      return readPlainVariant(reader, at);
+      return readPlainVariant(cursor, at);
   }
 }
 
-PropertyNode readLenientNode(JsonDocumentReader const &reader, std::size_t at) {
-  return readTree(reader, at, true);
+PropertyNode readLenientNode(JsonCursor const &cursor, std::size_t at) {
+  return readTree(cursor, at, true);
 }
 
 }  // namespace Tarvex::VantraCore::Internal
