@@ -1,3 +1,4 @@
+#include <VantraCore/Unit.h>
 #include <VantraCore/UnitType.h>
 
 #include <array>
@@ -231,6 +232,10 @@ UnitType::DecibelType UnitType::getDBType(UnitType const &type) {
 
 bool UnitType::operator==(UnitType const &other) const {
   return m_name == other.m_name && m_dimensions == other.m_dimensions;
+}
+
+Unit UnitType::getBaseMKSUnits() const {
+  return Unit::fromIviUnitString(m_referenceSi);
 }
 
 // Copies of the registry's entries, made in registration order while the library loads.
