@@ -270,8 +270,7 @@ VxVariant Unit::convertTo(Unit const &to, VxVariant value) const {
   try {
     // A null value has nothing to convert and fails like a refused element.
     if (value.isNull()) throw std::runtime_error("null value");
-    bool const complex = (static_cast<std::uint16_t>(value.wellKnownDataType().value()) &
-                          Internal::wellKnownTypeComplexBit) != 0;
+    bool const complex = isComplexKind(value.wellKnownDataType());
     WellKnownType const target =
         complex ? wellKnownTypeOf<std::complex<double>>() : wellKnownTypeOf<double>();
     VxVariant result = value.convertTo(target, conversionCast);
