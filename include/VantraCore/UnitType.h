@@ -7,6 +7,44 @@
 #include <cstdint>
 #include <vector>
 
+// The predefined quantities in registration order, which settles every "first hit" search and so must
+// not change: X(accessor, name, reference SI string, exponents of m kg s A K mol cd rad sr). An empty
+// reference string stands for the computed one.
+#define VANTRACORE_PREDEFINED_UNIT_TYPES(X)                                                \
+  X(length, "length", "m", 1, 0, 0, 0, 0, 0, 0, 0, 0)                                      \
+  X(mass, "mass", "kg", 0, 1, 0, 0, 0, 0, 0, 0, 0)                                         \
+  X(time, "time", "s", 0, 0, 1, 0, 0, 0, 0, 0, 0)                                          \
+  X(area, "area", "m^2", 2, 0, 0, 0, 0, 0, 0, 0, 0)                                        \
+  X(volume, "volume", "m^3", 3, 0, 0, 0, 0, 0, 0, 0, 0)                                    \
+  X(planeAngle, "plane angle", "rad", 0, 0, 0, 0, 0, 0, 0, 1, 0)                           \
+  X(solidAngle, "solid angle", "sr", 0, 0, 0, 0, 0, 0, 0, 0, 1)                            \
+  X(velocity, "velocity", "m/s", 1, 0, -1, 0, 0, 0, 0, 0, 0)                               \
+  X(acceleration, "acceleration", "m/s^2", 1, 0, -2, 0, 0, 0, 0, 0, 0)                     \
+  X(force, "force", "N", 1, 1, -2, 0, 0, 0, 0, 0, 0)                                       \
+  X(pressure, "pressure", "Pa", -1, 1, -2, 0, 0, 0, 0, 0, 0)                               \
+  X(energy, "energy", "J", 2, 1, -2, 0, 0, 0, 0, 0, 0)                                     \
+  X(power, "power", "W", 2, 1, -3, 0, 0, 0, 0, 0, 0)                                       \
+  X(frequency, "frequency", "Hz", 0, 0, -1, 0, 0, 0, 0, 0, 0)                              \
+  X(electricCurrent, "electric current", "A", 0, 0, 0, 1, 0, 0, 0, 0, 0)                   \
+  X(electricCharge, "electric charge", "C", 0, 0, 1, 1, 0, 0, 0, 0, 0)                     \
+  X(electricPotential, "electric potential", "V", 2, 1, -3, -1, 0, 0, 0, 0, 0)             \
+  X(electricResistance, "electric resistance", "\u03A9", 2, 1, -3, -2, 0, 0, 0, 0, 0)      \
+  X(electricCapacitance, "electric capacitance", "F", -2, -1, 4, 2, 0, 0, 0, 0, 0)         \
+  X(magneticFlux, "magnetic flux", "Wb", 2, 1, -2, -1, 0, 0, 0, 0, 0)                      \
+  X(magneticFluxDensity, "magnetic flux density", "T", 0, 1, -2, -1, 0, 0, 0, 0, 0)        \
+  X(inductance, "inductance", "H", 2, 1, -2, -2, 0, 0, 0, 0, 0)                            \
+  X(conductance, "conductance", "S", -2, -1, 3, 2, 0, 0, 0, 0, 0)                          \
+  X(thermodynamicTemperature, "thermodynamic temperature", "K", 0, 0, 0, 0, 1, 0, 0, 0, 0) \
+  X(amountOfSubstance, "amount of substance", "mol", 0, 0, 0, 0, 0, 1, 0, 0, 0)            \
+  X(luminousIntensity, "luminous intensity", "cd", 0, 0, 0, 0, 0, 0, 1, 0, 0)              \
+  X(luminousFlux, "luminous flux", "lm", 0, 0, 0, 0, 0, 0, 1, 0, 1)                        \
+  X(illuminance, "illuminance", "lx", -2, 0, 0, 0, 0, 0, 1, 0, 1)                          \
+  X(radioactivity, "radioactivity", "Bq", 0, 0, -1, 0, 0, 0, 0, 0, 0)                      \
+  X(absorbedDose, "absorbed dose of radiation", "Gy", 2, 0, -2, 0, 0, 0, 0, 0, 0)          \
+  X(equivalentDose, "equivalent dose of radiation", "Sv", 2, 0, -2, 0, 0, 0, 0, 0, 0)      \
+  X(catalyticActivity, "catalytic activity", "kat", 0, 0, -1, 0, 0, 1, 0, 0, 0)            \
+  X(dimensionless, "scalar", "", 0, 0, 0, 0, 0, 0, 0, 0, 0)
+
 namespace Tarvex::VantraCore::Experimental {
 
 class Unit;
@@ -62,7 +100,7 @@ class VANTRACORE_API UnitDimensions {
 };
 
 // A named physical quantity: name, the text of its base unit and its dimensions. Types are kept in a
-// process-wide registry that starts with the 33 predefined quantities below, in this order, and only
+// process-wide registry that starts with the 33 predefined quantities above, in their order, and only
 // grows. The registry is safe for concurrent readers and writers.
 class VANTRACORE_API UnitType {
  public:
@@ -99,80 +137,21 @@ class VANTRACORE_API UnitType {
   // Name and dimensions; the reference string takes no part.
   bool operator==(UnitType const &other) const;
 
-  static UnitType const s_length;
-  static UnitType const s_mass;
-  static UnitType const s_time;
-  static UnitType const s_area;
-  static UnitType const s_volume;
-  static UnitType const s_planeAngle;
-  static UnitType const s_solidAngle;
-  static UnitType const s_velocity;
-  static UnitType const s_acceleration;
-  static UnitType const s_force;
-  static UnitType const s_pressure;
-  static UnitType const s_energy;
-  static UnitType const s_power;
-  static UnitType const s_frequency;
-  static UnitType const s_electricCurrent;
-  static UnitType const s_electricCharge;
-  static UnitType const s_electricPotential;
-  static UnitType const s_electricResistance;
-  static UnitType const s_electricCapacitance;
-  static UnitType const s_magneticFlux;
-  static UnitType const s_magneticFluxDensity;
-  static UnitType const s_inductance;
-  static UnitType const s_conductance;
-  static UnitType const s_thermodynamicTemperature;
-  static UnitType const s_amountOfSubstance;
-  static UnitType const s_luminousIntensity;
-  static UnitType const s_luminousFlux;
-  static UnitType const s_illuminance;
-  static UnitType const s_radioactivity;
-  static UnitType const s_absorbedDose;
-  static UnitType const s_equivalentDose;
-  static UnitType const s_catalyticActivity;
-  static UnitType const s_dimensionless;
-
-  static UnitType const &length() { return s_length; }
-  static UnitType const &mass() { return s_mass; }
-  static UnitType const &time() { return s_time; }
-  static UnitType const &area() { return s_area; }
-  static UnitType const &volume() { return s_volume; }
-  static UnitType const &planeAngle() { return s_planeAngle; }
-  static UnitType const &solidAngle() { return s_solidAngle; }
-  static UnitType const &velocity() { return s_velocity; }
-  static UnitType const &acceleration() { return s_acceleration; }
-  static UnitType const &force() { return s_force; }
-  static UnitType const &pressure() { return s_pressure; }
-  static UnitType const &energy() { return s_energy; }
-  static UnitType const &power() { return s_power; }
-  static UnitType const &frequency() { return s_frequency; }
-  static UnitType const &electricCurrent() { return s_electricCurrent; }
-  static UnitType const &electricCharge() { return s_electricCharge; }
-  static UnitType const &electricPotential() { return s_electricPotential; }
-  static UnitType const &electricResistance() { return s_electricResistance; }
-  static UnitType const &electricCapacitance() { return s_electricCapacitance; }
-  static UnitType const &magneticFlux() { return s_magneticFlux; }
-  static UnitType const &magneticFluxDensity() { return s_magneticFluxDensity; }
-  static UnitType const &inductance() { return s_inductance; }
-  static UnitType const &conductance() { return s_conductance; }
-  static UnitType const &thermodynamicTemperature() { return s_thermodynamicTemperature; }
-  static UnitType const &amountOfSubstance() { return s_amountOfSubstance; }
-  static UnitType const &luminousIntensity() { return s_luminousIntensity; }
-  static UnitType const &luminousFlux() { return s_luminousFlux; }
-  static UnitType const &illuminance() { return s_illuminance; }
-  static UnitType const &radioactivity() { return s_radioactivity; }
-  static UnitType const &absorbedDose() { return s_absorbedDose; }
-  static UnitType const &equivalentDose() { return s_equivalentDose; }
-  static UnitType const &catalyticActivity() { return s_catalyticActivity; }
-  static UnitType const &dimensionless() { return s_dimensionless; }
+  // s_<accessor>, a copy of the registry's entry made while the library loads, and <accessor>().
+#define VANTRACORE_PREDEFINED_UNIT_TYPE_MEMBERS(accessor, ...) \
+  static UnitType const s_##accessor;                          \
+  static UnitType const &accessor() {                          \
+    return s_##accessor;                                       \
+  }
+  VANTRACORE_PREDEFINED_UNIT_TYPES(VANTRACORE_PREDEFINED_UNIT_TYPE_MEMBERS)
+#undef VANTRACORE_PREDEFINED_UNIT_TYPE_MEMBERS
 
  private:
   friend class Unit;
   struct Registry;
-  __attribute__((visibility("hidden"))) static Registry &registry();
+  VANTRACORE_HIDDEN static Registry &registry();
   // The registry's own dimensionless entry, valid even while other modules' static initialisers run.
-  __attribute__((visibility("hidden"))) static UnitType const &registeredDimensionless();
+  VANTRACORE_HIDDEN static UnitType const &registeredDimensionless();
   UnitType(VxString name, VxString referenceSi, UnitDimensions dims);
 
   VxString m_name;

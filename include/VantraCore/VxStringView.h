@@ -114,10 +114,9 @@ class VANTRACORE_API VxStringView {
   static int char_compare_fixed(char const *a, char const *b, std::uint64_t n) noexcept;
   static bool contains(VxStringView view, char c) noexcept;
   // Hidden: shared loops of the set searches, not part of the exported surface.
-  __attribute__((visibility("hidden"))) std::uint64_t scanForward(VxStringView set, std::uint64_t pos,
-                                                                  bool inSet) const noexcept;
-  __attribute__((visibility("hidden"))) std::uint64_t scanBackward(VxStringView set, std::uint64_t pos,
-                                                                   bool inSet) const noexcept;
+  VANTRACORE_HIDDEN std::uint64_t scanForward(VxStringView set, std::uint64_t pos, bool inSet) const noexcept;
+  VANTRACORE_HIDDEN std::uint64_t scanBackward(VxStringView set, std::uint64_t pos,
+                                               bool inSet) const noexcept;
 
   std::uint64_t m_length = 0;
   char const *m_data = nullptr;

@@ -1,7 +1,5 @@
 #include <VantraCore/SystemOfUnits.h>
 
-#include <units/UnitParser.h>
-
 #include <initializer_list>
 #include <map>
 #include <mutex>

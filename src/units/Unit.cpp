@@ -1,3 +1,5 @@
+#include <units/UnitParser.h>
+
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Unit.h>
 #include <VantraCore/WellKnownType.h>
@@ -120,6 +122,9 @@ std::string siText(Unit const &unit) {
 
 }  // namespace
 
+using Internal::IviUnitImplementation::throwWithText;
+using Internal::IviUnitImplementation::viewOf;
+
 Unit::Unit()
     : m_node(makeNode(0.0, 0.0, 0.0, VxString(), VxString(), VxString())),
       m_unitType(UnitType::registeredDimensionless()) {}
@@ -206,6 +211,33 @@ Unit &Unit::setUnitsLabel(VxString const &label) {
   return *this;
 }
 
+void Unit::parseAndSetSiUnits(VxString const &text) {
+  try {
+    auto const parsed = Internal::IviUnitImplementation::parseUnitsText(viewOf(text));
+    setUnitType(parsed.type);
+    setOffset(0.0);
+    setScale(parsed.scale);
+    setLogMultiplier(parsed.logMultiplier);
+    setSiUnits(text);
+  } catch (...) {
+    throwWithText("Invalid units string ", viewOf(text));
+  }
+}
+
+Unit Unit::fromIviUnitString(VxString const &text) {
+  Unit unit;
+  // Parsing writes into a null node, which fixes the stored key order of a unit read from text.
+  unit.m_node = PropertyNode();
+  try {
+    unit.parseAndSetSiUnits(text);
+    unit.setDisplayUnit(text);
+    unit.setUnitTypeReferenceString(unit.m_unitType.getReferenceSIString());
+  } catch (...) {
+    throwWithText("Error constructing a unit from SI String ", viewOf(text));
+  }
+  return unit;
+}
+
 bool Unit::isCommensurable(Unit const &other) const {
   return m_unitType.getDimensions() == other.m_unitType.getDimensions();
 }
@@ -238,8 +270,7 @@ VxVariant Unit::convertTo(Unit const &to, VxVariant value) const {
   try {
     // A null value has nothing to convert and fails like a refused element.
     if (value.isNull()) throw std::runtime_error("null value");
-    bool const complex = (static_cast<std::uint16_t>(value.wellKnownDataType().value()) &
-                          Internal::wellKnownTypeComplexBit) != 0;
+    bool const complex = isComplexKind(value.wellKnownDataType());
     WellKnownType const target =
         complex ? wellKnownTypeOf<std::complex<double>>() : wellKnownTypeOf<double>();
     VxVariant result = value.convertTo(target, conversionCast);

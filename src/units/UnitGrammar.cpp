@@ -1,27 +1,33 @@
 #include <units/UnitGrammar.h>
 
+#include <units/UnitSymbols.h>
+
 #include <VantraCore/UnitString.h>
 
 #include <locale>
 
 namespace Tarvex::VantraCore::Internal::IviUnitImplementation {
 
-std::string const &unitPrefixGroupText() {
-  static std::string const text = "(Y|Z|E|P|T|G|M|k|h|da|d|c|m|\u00B5|n|p|f|a|z|y)";
+namespace {
+
+// "a|b|c" of the rows' symbols; none of them holds a character the pattern would read specially.
+template <class Rows>
+std::string alternativesOf(Rows const &rows) {
+  std::string text;
+  for (auto const &row : rows) {
+    if (!text.empty()) text += '|';
+    text += row.symbol;
+  }
   return text;
 }
 
-std::string const &unitSymbolGroupText() {
-  // The degree sign is the last alternative, with an optional "C" after it.
-  static std::string const text =
-      "(m|g|s|A|K|mol|cd|Hz|N|Pa|J|W|C|V|F|\u03A9|S|Wb|T|H|lm|lx|Bq|Gy|Sv|kat|l|L|rad|sr|deg|\u00B0"
-      "C?)";
-  return text;
-}
+}  // namespace
 
 std::string const &unitAtomPatternText() {
-  static std::string const text =
-      "^\\s*" + unitPrefixGroupText() + "?" + unitSymbolGroupText() + "(\\^[+-]?[1-9]\\d*)?";
+  // The degree sign, with an optional "C", is the last unit alternative; having no row, it reads as
+  // dimensionless.
+  static std::string const text = "^\\s*(" + alternativesOf(s_prefixes) + ")?(" +
+                                  alternativesOf(s_unitSymbols) + "|\u00B0C?)(\\^[+-]?[1-9]\\d*)?";
   return text;
 }
 

@@ -5,20 +5,17 @@
 // on what is well-formed.
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <regex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Tarvex::VantraCore::Internal::IviUnitImplementation {
 
-// "(Y|Z|...|y)": the prefix group, without its "?".
-std::string const &unitPrefixGroupText();
-// "(m|g|s|...|°C?)": the unit symbol group.
-std::string const &unitSymbolGroupText();
-// The whole atom pattern, "^\s*" + prefix "?" + unit + exponent "?".
+// The whole atom pattern, "^\s*" + prefix "?" + unit + exponent "?", the prefix and unit groups
+// listing the symbols of UnitSymbols.h.
 std::string const &unitAtomPatternText();
 // The atom pattern compiled once, ECMAScript, in the classic locale.
 std::regex const &unitAtomRegex();

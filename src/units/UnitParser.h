@@ -25,15 +25,4 @@ inline std::string_view viewOf(VxString const &text) noexcept {
 // std::runtime_error with `message` followed by `text`.
 [[noreturn]] void throwWithText(char const *message, std::string_view text);
 
-// The grammar's steps. Each reads from the start of `s`, fills dimensions and scale and the unread
-// rest, and answers whether it matched. `scale` should start at 1.0: the bare "1" keeps it.
-bool parseUnitExpression(std::string_view s, Experimental::UnitDimensions &dims, double &scale,
-                         std::string_view &rest);
-bool parseUnitProduct(std::string_view s, Experimental::UnitDimensions &dims, double &scale,
-                      std::string_view &rest);
-bool parseUnitFactor(std::string_view s, Experimental::UnitDimensions &dims, double &scale,
-                     std::string_view &rest);
-bool parseUnitAtom(std::string_view s, Experimental::UnitDimensions &dims, double &scale,
-                   std::string_view &rest);
-
 }  // namespace Tarvex::VantraCore::Internal::IviUnitImplementation

@@ -1,3 +1,4 @@
+#include <VantraCore/Unit.h>
 #include <VantraCore/UnitType.h>
 
 #include <array>
@@ -22,48 +23,14 @@ struct Predefined {
   int exponents[9];
 };
 
-// Registration order settles every "first hit" search, so it must not change.
-constexpr Predefined s_predefined[] = {
-    {"length", "m", {1, 0, 0, 0, 0, 0, 0, 0, 0}},
-    {"mass", "kg", {0, 1, 0, 0, 0, 0, 0, 0, 0}},
-    {"time", "s", {0, 0, 1, 0, 0, 0, 0, 0, 0}},
-    {"area", "m^2", {2, 0, 0, 0, 0, 0, 0, 0, 0}},
-    {"volume", "m^3", {3, 0, 0, 0, 0, 0, 0, 0, 0}},
-    {"plane angle", "rad", {0, 0, 0, 0, 0, 0, 0, 1, 0}},
-    {"solid angle", "sr", {0, 0, 0, 0, 0, 0, 0, 0, 1}},
-    {"velocity", "m/s", {1, 0, -1, 0, 0, 0, 0, 0, 0}},
-    {"acceleration", "m/s^2", {1, 0, -2, 0, 0, 0, 0, 0, 0}},
-    {"force", "N", {1, 1, -2, 0, 0, 0, 0, 0, 0}},
-    {"pressure", "Pa", {-1, 1, -2, 0, 0, 0, 0, 0, 0}},
-    {"energy", "J", {2, 1, -2, 0, 0, 0, 0, 0, 0}},
-    {"power", "W", {2, 1, -3, 0, 0, 0, 0, 0, 0}},
-    {"frequency", "Hz", {0, 0, -1, 0, 0, 0, 0, 0, 0}},
-    {"electric current", "A", {0, 0, 0, 1, 0, 0, 0, 0, 0}},
-    {"electric charge", "C", {0, 0, 1, 1, 0, 0, 0, 0, 0}},
-    {"electric potential", "V", {2, 1, -3, -1, 0, 0, 0, 0, 0}},
-    {"electric resistance", "\u03A9", {2, 1, -3, -2, 0, 0, 0, 0, 0}},
-    {"electric capacitance", "F", {-2, -1, 4, 2, 0, 0, 0, 0, 0}},
-    {"magnetic flux", "Wb", {2, 1, -2, -1, 0, 0, 0, 0, 0}},
-    {"magnetic flux density", "T", {0, 1, -2, -1, 0, 0, 0, 0, 0}},
-    {"inductance", "H", {2, 1, -2, -2, 0, 0, 0, 0, 0}},
-    {"conductance", "S", {-2, -1, 3, 2, 0, 0, 0, 0, 0}},
-    {"thermodynamic temperature", "K", {0, 0, 0, 0, 1, 0, 0, 0, 0}},
-    {"amount of substance", "mol", {0, 0, 0, 0, 0, 1, 0, 0, 0}},
-    {"luminous intensity", "cd", {0, 0, 0, 0, 0, 0, 1, 0, 0}},
-    {"luminous flux", "lm", {0, 0, 0, 0, 0, 0, 1, 0, 1}},
-    {"illuminance", "lx", {-2, 0, 0, 0, 0, 0, 1, 0, 1}},
-    {"radioactivity", "Bq", {0, 0, -1, 0, 0, 0, 0, 0, 0}},
-    {"absorbed dose of radiation", "Gy", {2, 0, -2, 0, 0, 0, 0, 0, 0}},
-    {"equivalent dose of radiation", "Sv", {2, 0, -2, 0, 0, 0, 0, 0, 0}},
-    {"catalytic activity", "kat", {0, 0, -1, 0, 0, 1, 0, 0, 0}},
-    {"scalar", "", {0, 0, 0, 0, 0, 0, 0, 0, 0}},
-};
+#define VANTRACORE_PREDEFINED_ROW(accessor, name, referenceSi, ...) {name, referenceSi, {__VA_ARGS__}},
+constexpr Predefined s_predefined[] = {VANTRACORE_PREDEFINED_UNIT_TYPES(VANTRACORE_PREDEFINED_ROW)};
+#undef VANTRACORE_PREDEFINED_ROW
 
-enum PredefinedIndex : std::size_t {
-  electricCurrentIndex = 14,
-  electricPotentialIndex = 16,
-  dimensionlessIndex = 32
-};
+// Each type's place in the registry.
+#define VANTRACORE_PREDEFINED_INDEX(accessor, ...) accessor##Index,
+enum PredefinedIndex : std::size_t { VANTRACORE_PREDEFINED_UNIT_TYPES(VANTRACORE_PREDEFINED_INDEX) };
+#undef VANTRACORE_PREDEFINED_INDEX
 
 UnitDimensions dimensionsOf(Predefined const &row) {
   int const *e = row.exponents;
@@ -133,7 +100,7 @@ VxString UnitDimensions::SIUnitsString() const {
 
 // Entries live in a deque so that references handed out by create stay valid as it grows; the mutex
 // lets registration run beside lookups.
-struct __attribute__((visibility("hidden"))) UnitType::Registry {
+struct VANTRACORE_HIDDEN UnitType::Registry {
   std::shared_mutex mutex;
   std::deque<UnitType> entries;
 };
@@ -233,42 +200,14 @@ bool UnitType::operator==(UnitType const &other) const {
   return m_name == other.m_name && m_dimensions == other.m_dimensions;
 }
 
+Unit UnitType::getBaseMKSUnits() const {
+  return Unit::fromIviUnitString(m_referenceSi);
+}
+
 // Copies of the registry's entries, made in registration order while the library loads.
-#define VANTRACORE_PREDEFINED_TYPE(member, index) \
-  UnitType const UnitType::member = UnitType::registry().entries[index]
-VANTRACORE_PREDEFINED_TYPE(s_length, 0);
-VANTRACORE_PREDEFINED_TYPE(s_mass, 1);
-VANTRACORE_PREDEFINED_TYPE(s_time, 2);
-VANTRACORE_PREDEFINED_TYPE(s_area, 3);
-VANTRACORE_PREDEFINED_TYPE(s_volume, 4);
-VANTRACORE_PREDEFINED_TYPE(s_planeAngle, 5);
-VANTRACORE_PREDEFINED_TYPE(s_solidAngle, 6);
-VANTRACORE_PREDEFINED_TYPE(s_velocity, 7);
-VANTRACORE_PREDEFINED_TYPE(s_acceleration, 8);
-VANTRACORE_PREDEFINED_TYPE(s_force, 9);
-VANTRACORE_PREDEFINED_TYPE(s_pressure, 10);
-VANTRACORE_PREDEFINED_TYPE(s_energy, 11);
-VANTRACORE_PREDEFINED_TYPE(s_power, 12);
-VANTRACORE_PREDEFINED_TYPE(s_frequency, 13);
-VANTRACORE_PREDEFINED_TYPE(s_electricCurrent, 14);
-VANTRACORE_PREDEFINED_TYPE(s_electricCharge, 15);
-VANTRACORE_PREDEFINED_TYPE(s_electricPotential, 16);
-VANTRACORE_PREDEFINED_TYPE(s_electricResistance, 17);
-VANTRACORE_PREDEFINED_TYPE(s_electricCapacitance, 18);
-VANTRACORE_PREDEFINED_TYPE(s_magneticFlux, 19);
-VANTRACORE_PREDEFINED_TYPE(s_magneticFluxDensity, 20);
-VANTRACORE_PREDEFINED_TYPE(s_inductance, 21);
-VANTRACORE_PREDEFINED_TYPE(s_conductance, 22);
-VANTRACORE_PREDEFINED_TYPE(s_thermodynamicTemperature, 23);
-VANTRACORE_PREDEFINED_TYPE(s_amountOfSubstance, 24);
-VANTRACORE_PREDEFINED_TYPE(s_luminousIntensity, 25);
-VANTRACORE_PREDEFINED_TYPE(s_luminousFlux, 26);
-VANTRACORE_PREDEFINED_TYPE(s_illuminance, 27);
-VANTRACORE_PREDEFINED_TYPE(s_radioactivity, 28);
-VANTRACORE_PREDEFINED_TYPE(s_absorbedDose, 29);
-VANTRACORE_PREDEFINED_TYPE(s_equivalentDose, 30);
-VANTRACORE_PREDEFINED_TYPE(s_catalyticActivity, 31);
-VANTRACORE_PREDEFINED_TYPE(s_dimensionless, dimensionlessIndex);
+#define VANTRACORE_PREDEFINED_TYPE(accessor, ...) \
+  UnitType const UnitType::s_##accessor = UnitType::registry().entries[accessor##Index];
+VANTRACORE_PREDEFINED_UNIT_TYPES(VANTRACORE_PREDEFINED_TYPE)
 #undef VANTRACORE_PREDEFINED_TYPE
 
 }  // namespace Tarvex::VantraCore::Experimental

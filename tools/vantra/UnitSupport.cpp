@@ -2,7 +2,6 @@
 
 #include "Errors.h"
 
-#include <cstdint>
 #include <locale>
 #include <sstream>
 #include <stdexcept>

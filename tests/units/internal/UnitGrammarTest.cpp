@@ -57,6 +57,14 @@ TEST(UnitTextGrammar, AcceptsAndRejectsTheSameTexts) {
   }
 }
 
+// The alternatives come from the symbol tables; their order decides which atom a text starts with.
+TEST(UnitTextGrammar, AtomPatternListsTheTablesInOrder) {
+  EXPECT_EQ(Internal::IviUnitImplementation::unitAtomPatternText(),
+            "^\\s*(Y|Z|E|P|T|G|M|k|h|da|d|c|m|" + micro +
+                "|n|p|f|a|z|y)?(m|g|s|A|K|mol|cd|Hz|N|Pa|J|W|C|V|F|" + ohm +
+                "|S|Wb|T|H|lm|lx|Bq|Gy|Sv|kat|l|L|rad|sr|deg|" + degree + "C?)(\\^[+-]?[1-9]\\d*)?");
+}
+
 TEST(UnitTextGrammar, ExponentBeyondIntPassesOnlyTheValidator) {
   EXPECT_TRUE(validateIviUnitString("m^2147483648"));
   EXPECT_THROW(parseUnitsText("m^2147483648"), std::out_of_range);
