@@ -85,11 +85,12 @@ inline std::vector<std::vector<std::uint64_t>> expandArraySlice(ArraySlice const
 
 // The number of elements the positions select. A count beyond 64 bits fits in no vector.
 inline std::uint64_t sliceElementCount(std::vector<std::vector<std::uint64_t>> const &positions) {
-  if (positions.empty()) return 0;
-  std::uint64_t count = 1;
-  for (auto const &list : positions) {
-    if (__builtin_mul_overflow(count, list.size(), &count)) throw std::length_error("vector<T> too long");
-  }
+  std::vector<std::uint64_t> sizes;
+  sizes.reserve(positions.size());
+  for (auto const &list : positions)
+    sizes.push_back(list.size());
+  std::uint64_t count = 0;
+  if (!checkedElementCount(sizes, count)) throw std::length_error("vector<T> too long");
   return count;
 }
 

@@ -14,32 +14,33 @@ namespace Tarvex::VantraCore::Internal {
 
 namespace {
 
+template <class T>
+struct PartOf {
+  using type = T;
+};
+template <class F>
+struct PartOf<std::complex<F>> {
+  using type = F;
+};
+template <class T>
+struct PartOf<Complex<T>> {
+  using type = T;
+};
+
 // How the elements of a kind lie in memory: one part, or a real part followed by an imaginary one. A
 // truth value is read and written as its stored byte, so that no byte but 0 and 1 is ever loaded as
 // a bool.
 template <class T>
 struct Layout {
-  using Part = T;
-  static constexpr unsigned parts = 1;
-  static constexpr bool truth = false;
-};
-template <>
-struct Layout<bool> : Layout<std::uint8_t> {
-  static constexpr bool truth = true;
-};
-template <class F>
-struct Layout<std::complex<F>> : Layout<F> {
-  static constexpr unsigned parts = 2;
-};
-template <class T>
-struct Layout<Complex<T>> : Layout<T> {
-  static constexpr unsigned parts = 2;
+  static constexpr bool truth = std::is_same_v<typename PartOf<T>::type, bool>;
+  using Part = std::conditional_t<truth, std::uint8_t, typename PartOf<T>::type>;
+  static constexpr unsigned parts = isComplexElement<T> ? 2 : 1;
 };
 
 template <class T>
 inline constexpr bool isNumber = std::is_arithmetic_v<typename Layout<T>::Part>;
 template <class T>
-inline constexpr bool isRealNumber = isNumber<T> && (Layout<T>::parts == 1);
+inline constexpr bool isRealNumber = isNumber<T> && !isComplexElement<T>;
 
 // The truncating conversions of x86-64, which give the lowest value ("integer indefinite") for NaN and
 // out-of-range sources, where a plain cast would be undefined. Written as selects between values that
@@ -105,7 +106,7 @@ struct NumberPair {
   using UL = Layout<U>;
   using SP = typename SL::Part;
   using UP = typename UL::Part;
-  static constexpr bool complexToReal = SL::parts == 2 && UL::parts == 1;
+  static constexpr bool complexToReal = isComplexElement<S> && !isComplexElement<U>;
   // Without a lossless test: from truth values, from integers to floating values, and between floating
   // values that do not narrow. A complex source losing its imaginary part is tested all the same.
   static constexpr bool tested =

@@ -152,25 +152,13 @@ void convertPartialPass(E const *source, std::uint64_t sourceCount, E *destinati
   }
 }
 
-// The element count of the shape (0 without dimensions or with a zero among them), or false when
-// the product does not fit in 64 bits.
-inline bool exactElementCount(ArrayDimensionsView dims, std::uint64_t &total) {
-  total = 0;
-  if (dims.count == 0 || std::find(dims.begin(), dims.end(), 0) != dims.end()) return true;
-  total = 1;
-  for (std::uint64_t size : dims) {
-    if (__builtin_mul_overflow(total, size, &total)) return false;
-  }
-  return true;
-}
-
 template <typename E>
 void convertOrderingOf(E const *source, std::uint64_t sourceCount, DataOrdering sourceOrdering,
                        E *destination, std::uint64_t destinationCount, ArrayDimensionsView dims) {
   if (sourceOrdering != rowMajor && sourceOrdering != columnMajor) return;
   bool const toColumns = sourceOrdering == rowMajor;
   std::uint64_t total = 0;
-  if (!exactElementCount(dims, total)) {
+  if (!checkedElementCount(dims, total)) {
     // More elements than any buffer holds: the walk ends long before the odometer could start over.
     convertPartialPass(source, sourceCount, destination, destinationCount, 0, sourceCount, dims, toColumns);
     return;

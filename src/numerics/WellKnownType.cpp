@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstring>
+#include <limits>
+#include <type_traits>
 
 namespace Tarvex::VantraCore {
 
@@ -11,72 +13,70 @@ namespace {
 
 using Internal::WellKnownTypeValue;
 
-constexpr std::uint16_t bits(WellKnownTypeValue value) {
-  return static_cast<std::uint16_t>(value);
-}
-constexpr WellKnownTypeValue fromBits(std::uint16_t bits) {
-  return static_cast<WellKnownTypeValue>(bits);
-}
+// What promotion knows of a real kind (bool among them). Integers rank by the bits of value they
+// hold, so a signed kind comes before the unsigned one of its width; floating kinds rank above every
+// integer, by precision.
+struct Promotion {
+  WellKnownTypeValue code;
+  bool ranked;
+  bool floating;
+  int digits;
 
-// Real numeric kinds from lowest to highest promotion rank.
-constexpr WellKnownTypeValue promotionOrder[] = {
-    WellKnownTypeValue::typeBool,          WellKnownTypeValue::typeInt8,
-    WellKnownTypeValue::typeUnsignedInt8,  WellKnownTypeValue::typeInt16,
-    WellKnownTypeValue::typeUnsignedInt16, WellKnownTypeValue::typeInt32,
-    WellKnownTypeValue::typeUnsignedInt32, WellKnownTypeValue::typeInt64,
-    WellKnownTypeValue::typeUnsignedInt64, WellKnownTypeValue::typeFloat,
-    WellKnownTypeValue::typeDouble,
+  constexpr bool below(Promotion const &other) const {
+    return floating != other.floating ? other.floating : digits < other.digits;
+  }
 };
 
+constexpr auto promotions = Internal::makeElementKindTable([](auto tag) {
+  using T = typename decltype(tag)::type;
+  constexpr WellKnownTypeValue code = wellKnownTypeOf<T>().value();
+  if constexpr (std::is_arithmetic_v<T>)
+    return Promotion{code, true, std::is_floating_point_v<T>, std::numeric_limits<T>::digits};
+  else
+    return Promotion{code, false, false, 0};
+});
+
+constexpr Promotion const *findPromotion(WellKnownType kind) {
+  for (Promotion const &promotion : promotions) {
+    if (promotion.ranked && promotion.code == kind.value()) return &promotion;
+  }
+  return nullptr;
+}
+
 // A numeric-looking code that names no kind ranks with bool; nothing is remembered about it.
-constexpr std::size_t promotionRank(WellKnownTypeValue value) {
-  for (std::size_t rank = 0; rank < sizeof promotionOrder / sizeof promotionOrder[0]; ++rank) {
-    if (promotionOrder[rank] == value) return rank;
+constexpr std::size_t promotionRank(WellKnownType kind) {
+  Promotion const *const promotion = findPromotion(kind);
+  if (promotion == nullptr) return 0;
+  std::size_t rank = 0;
+  for (Promotion const &other : promotions) {
+    if (other.ranked && other.below(*promotion)) ++rank;
   }
-  return 0;
+  return rank;
 }
 
-// The signed kind that holds every value of an unsigned one; uint64 has none and goes to double.
-constexpr WellKnownTypeValue signedSuccessor(WellKnownTypeValue value) {
-  switch (value) {
-    case WellKnownTypeValue::typeBool:
-      return WellKnownTypeValue::typeInt8;
-    case WellKnownTypeValue::typeUnsignedInt8:
-      return WellKnownTypeValue::typeInt16;
-    case WellKnownTypeValue::typeUnsignedInt16:
-      return WellKnownTypeValue::typeInt32;
-    case WellKnownTypeValue::typeUnsignedInt32:
-      return WellKnownTypeValue::typeInt64;
-    case WellKnownTypeValue::typeUnsignedInt64:
-      return WellKnownTypeValue::typeDouble;
-    default:
-      return WellKnownTypeValue::typeNone;
+// The lowest-ranked signed kind that holds every value of an unsigned one. uint64 has none and goes to
+// the top kind, double, on purpose.
+constexpr WellKnownType signedSuccessor(WellKnownType kind) {
+  Promotion const *const from = findPromotion(kind);
+  if (from == nullptr) return WellKnownType();
+  Promotion const *successor = nullptr;
+  Promotion const *top = nullptr;
+  for (Promotion const &candidate : promotions) {
+    if (!candidate.ranked) continue;
+    if (top == nullptr || top->below(candidate)) top = &candidate;
+    bool const holdsAll = !isUnsignedKind(candidate.code) && candidate.digits >= from->digits;
+    if (holdsAll && (successor == nullptr || candidate.below(*successor))) successor = &candidate;
   }
+  return (successor != nullptr ? successor : top)->code;
 }
 
-constexpr WellKnownTypeValue commonType(WellKnownTypeValue a, WellKnownTypeValue b) {
-  if (a == b) return a;
-  if (a == WellKnownTypeValue::typeNone) return b;
-  if (b == WellKnownTypeValue::typeNone) return a;
-  if ((bits(a) & Internal::wellKnownTypeNumericBaseMask) == 0 ||
-      (bits(b) & Internal::wellKnownTypeNumericBaseMask) == 0) {
-    return WellKnownTypeValue::typeNone;
-  }
-  bool const complex = ((bits(a) | bits(b)) & Internal::wellKnownTypeComplexBit) != 0;
-  bool const bothUnsigned = (bits(a) & bits(b) & Internal::wellKnownTypeUnsignedBit) != 0;
-  auto const realA = fromBits(bits(a) & ~Internal::wellKnownTypeComplexBit);
-  auto const realB = fromBits(bits(b) & ~Internal::wellKnownTypeComplexBit);
-
-  WellKnownTypeValue result = promotionRank(realA) > promotionRank(realB) ? realA : realB;
-  if ((bits(result) & Internal::wellKnownTypeUnsignedBit) != 0 && !bothUnsigned) {
-    result = signedSuccessor(result);
-  }
-  // An unsigned code outside the tables has no successor, and so no common kind.
-  if (complex && result != WellKnownTypeValue::typeNone) {
-    result = fromBits(bits(result) | Internal::wellKnownTypeComplexBit);
-  }
-  return result;
-}
+static_assert(promotionRank(WellKnownTypeValue::typeBool) == 0 &&
+                  promotionRank(WellKnownTypeValue::typeUnsignedInt64) == 8 &&
+                  promotionRank(WellKnownTypeValue::typeDouble) == 10,
+              "bool lowest, integers by width, floating kinds on top");
+static_assert(signedSuccessor(WellKnownTypeValue::typeUnsignedInt8) == WellKnownTypeValue::typeInt16 &&
+                  signedSuccessor(WellKnownTypeValue::typeUnsignedInt64) == WellKnownTypeValue::typeDouble,
+              "the next wider signed kind, and double above uint64");
 
 struct NamedCode {
   char const *text;
@@ -129,7 +129,20 @@ Internal::WellKnownTypeValue WellKnownType::parseValueString(VxStringView text) 
 }
 
 WellKnownType WellKnownType::getCommonWellKnownType(WellKnownType a, WellKnownType b) {
-  return commonType(a.value(), b.value());
+  if (a == b) return a;
+  if (a == WellKnownType()) return b;
+  if (b == WellKnownType()) return a;
+  if (!hasNumericBase(a) || !hasNumericBase(b)) return WellKnownType();
+  bool const complex = isComplexKind(a) || isComplexKind(b);
+  bool const bothUnsigned = isUnsignedKind(a) && isUnsignedKind(b);
+  WellKnownType const realA = realPartKind(a);
+  WellKnownType const realB = realPartKind(b);
+
+  WellKnownType result = promotionRank(realA) > promotionRank(realB) ? realA : realB;
+  if (isUnsignedKind(result) && !bothUnsigned) result = signedSuccessor(result);
+  // An unsigned code outside the tables has no successor, and so no common kind.
+  if (complex && result != WellKnownType()) result = complexKindOf(result);
+  return result;
 }
 
 }  // namespace Tarvex::VantraCore

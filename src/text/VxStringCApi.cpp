@@ -1,5 +1,5 @@
 #include <VantraCore/VxString.h>
-#include <variant/capi/TransportGuard.h>
+#include <text/TransportGuard.h>
 
 #include <atomic>
 #include <cstdint>

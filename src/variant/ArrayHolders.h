@@ -5,16 +5,16 @@
 // StdVectorVariantData<T> around a std::vector that was moved in.
 
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/WellKnownType.h>
+#include <VantraCore/detail/CountedHolder.h>
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/detail/IVariantData.h>
-#include <VantraCore/WellKnownType.h>
 
 #include <numerics/OrderingConversion.h>
 #include <variant/ElementEquality.h>
 #include <variant/VariantConversion.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -45,11 +45,9 @@ inline bool sameDimensions(ArrayDimensionsView a, ArrayDimensionsView b) noexcep
 // naming elements that do not exist, so it is refused before anything is allocated.
 inline void requireSizes(ArrayDimensionsView dims) {
   if (dims.count != 0 && dims.sizes == nullptr) throw std::invalid_argument("Dimension sizes missing.");
-  if (std::find(dims.begin(), dims.end(), std::uint64_t(0)) != dims.end()) return;
-  std::uint64_t product = 1;
-  for (std::uint64_t size : dims)
-    if (__builtin_mul_overflow(product, size, &product))
-      throw std::length_error("Array dimensions give more elements than 64 bits can count.");
+  std::uint64_t count = 0;
+  if (!checkedElementCount(dims, count))
+    throw std::length_error("Array dimensions give more elements than 64 bits can count.");
 }
 
 // Elements of the trivially copyable kinds are all-zero by default and copy as bytes; only VxString
@@ -82,8 +80,7 @@ std::size_t storedElementSize(IVariantData const &holder) {
   WellKnownType const kind = holder.wellKnownDataType();
   if (kind == WellKnownTypeValue::typeCustom)
     return holder.customTypeTag() == customTypeTagOf<T>() ? sizeof(T) : 0;
-  return findElementKind(
-      kind, [](auto tag) { return sizeof(typename decltype(tag)::type); }, []() { return std::size_t{0}; });
+  return elementSize(kind);
 }
 
 // The elements reshapeToVxVariant may take from `source` as T: all of them, as long as reading them
@@ -111,24 +108,10 @@ inline constexpr CustomTypeOperations customOperations{&customElementsEqual<T>};
 
 }  // namespace ArrayHolderDetail
 
-// What the array holders of T share: the reference count, born at 1 and deleted by the release that
-// finds 1, and the answers that follow from T alone.
+// What the array holders of T share: the reference count and the answers that follow from T alone.
 template <class T>
-class CountedArrayData : public IVariantData {
+class CountedArrayData : public CountedHolder<IVariantData> {
  public:
-  std::uint32_t referenceCount() const noexcept { return m_count.load(); }
-
-  void copy() const noexcept override { m_count.fetch_add(1); }
-  void destruct() const noexcept override {
-    if (m_count.fetch_sub(1) == 1) delete this;
-  }
-  IVariantData *ensureUnique() override {
-    if (!isShared()) return this;
-    // Clone before letting go, so the source cannot vanish under the copy.
-    IVariantData *unique = clone();
-    destruct();
-    return unique;
-  }
   bool isScalarStorage() const override { return false; }
   WellKnownType wellKnownDataType() const override { return wellKnownTypeOf<T>(); }
   void const *customTypeTag() const override { return customTypeTagOf<T>(); }
@@ -136,10 +119,6 @@ class CountedArrayData : public IVariantData {
 
  protected:
   CountedArrayData() = default;
-  bool isShared() const noexcept { return m_count.load() != 1; }
-
- private:
-  mutable std::atomic<std::uint32_t> m_count{1};
 };
 
 // Header, dimension list and elements in one allocation. The dimension list has as many entries as

@@ -1,5 +1,5 @@
-#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/ExternalVariantStorage.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/detail/VectorVariantData.h>
 #include <variant/ArrayHolders.h>
 #include <variant/ExternalStorageAdaptor.h>
@@ -51,13 +51,6 @@ void ExternalVariantStorageAdaptor::detach() {
   m_storage = nullptr;
 }
 
-IVariantData *ExternalVariantStorageAdaptor::ensureUnique() {
-  if (m_count.load() == 1) return this;
-  IVariantData *const unique = clone();
-  destruct();
-  return unique;
-}
-
 IVariantData *ExternalVariantStorageAdaptor::clone() const {
   ConversionSource const block = storedBlock();
   return dispatchWellKnownType(block.kind, [&](auto tag) {
@@ -102,7 +95,7 @@ void ExternalVariantStorageAdaptor::reshapeNoRealloc(ArrayDimensionsView dims) {
   if (m_storage != nullptr) return m_storage->reshapeNoRealloc(dims);
   // The private copy is never shared, so the adaptor's own count decides.
   ArrayHolderDetail::requireSizes(dims);
-  if (m_count.load() != 1 && !ArrayHolderDetail::sameDimensions(dims, m_detachedData->dimensions()))
+  if (isShared() && !ArrayHolderDetail::sameDimensions(dims, m_detachedData->dimensions()))
     ArrayHolderDetail::throwSharedReshape();
   m_detachedData->reshapeNoRealloc(dims);
 }

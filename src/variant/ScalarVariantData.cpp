@@ -30,15 +30,6 @@ IVariantData *ScalarVariantData<T>::reshapeToVxVariant(IVariantData const *sourc
 }
 
 template <class T>
-IVariantData *ScalarVariantDataRefCounted<T>::ensureUnique() {
-  if (count.load() == 1) return this;
-  // Clone before letting go: another owner may release the last other reference meanwhile.
-  IVariantData *unique = clone();
-  destruct();
-  return unique;
-}
-
-template <class T>
 IVariantData *constructVariantScalar(void *buffer, std::size_t bufferSize, T value) {
   if (buffer != nullptr && bufferSize >= sizeof(ScalarVariantDataNonCounted<T>))
     return new (buffer) ScalarVariantDataNonCounted<T>(std::move(value));

@@ -1,15 +1,15 @@
 #pragma once
 
 #include <VantraCore/ArrayIndexing.h>
+#include <VantraCore/WellKnownType.h>
+#include <VantraCore/detail/CountedHolder.h>
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/detail/IVariantData.h>
-#include <VantraCore/WellKnownType.h>
 
 #include <variant/ArrayHolders.h>
 #include <variant/HolderReference.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
@@ -18,23 +18,14 @@ namespace Tarvex::VantraCore::Internal {
 
 namespace TransmuteDetail {
 
-inline WellKnownType withComplexBit(WellKnownType kind, bool complex) {
-  auto const code = static_cast<std::uint16_t>(kind.value());
-  return static_cast<WellKnownTypeValue>(complex ? code | wellKnownTypeComplexBit
-                                                 : code & ~wellKnownTypeComplexBit);
-}
-
 inline void requireNumeric(WellKnownType kind) {
-  if ((static_cast<std::uint16_t>(kind.value()) & wellKnownTypeNumericBaseMask) == 0)
+  if (!hasNumericBase(kind))
     throw std::runtime_error("Can not convert non-numeric data type to complex numeric type");
 }
 
 // The bytes of `holder`'s block, as far as its kind tells them; 0 for a kind without an element type.
 inline std::uint64_t storedBytes(IVariantData const &holder) {
-  std::uint64_t const size = findElementKind(
-      holder.wellKnownDataType(), [](auto tag) { return sizeof(typename decltype(tag)::type); },
-      [] { return std::size_t{0}; });
-  return holder.numberAllocatedElements() * size;
+  return holder.numberAllocatedElements() * elementSize(holder.wellKnownDataType());
 }
 
 }  // namespace TransmuteDetail
@@ -42,18 +33,11 @@ inline std::uint64_t storedBytes(IVariantData const &holder) {
 // A view of another holder's block under another element kind. Derived gives the kind, the capacity,
 // the conversion, and how the fastest dimension scales (adjustFastestDimension).
 template <class Derived>
-class TransmuteVariant : public IVariantData {
+class TransmuteVariant : public CountedHolder<IVariantData> {
  public:
   TransmuteVariant(TransmuteVariant const &) = delete;
   TransmuteVariant &operator=(TransmuteVariant const &) = delete;
 
-  std::uint32_t referenceCount() const noexcept { return m_count.load(); }
-  IVariantData const *inner() const noexcept { return m_inner; }
-
-  void copy() const noexcept override { m_count.fetch_add(1); }
-  void destruct() const noexcept override {
-    if (m_count.fetch_sub(1) == 1) delete this;
-  }
   // Even a sole owner gets a plain array: writing must not reach the inner holder, which others may see.
   IVariantData *ensureUnique() override {
     IVariantData *const unique = clone();
@@ -88,7 +72,7 @@ class TransmuteVariant : public IVariantData {
   void reshapeNoRealloc(ArrayDimensionsView dims) override {
     ArrayHolderDetail::requireSizes(dims);
     if (ArrayHolderDetail::sameDimensions(dims, dimensions())) return;
-    if (m_count.load() != 1) ArrayHolderDetail::throwSharedReshape();
+    if (isShared()) ArrayHolderDetail::throwSharedReshape();
     if (elementCount(dims) > derived().numberAllocatedElements())
       ArrayHolderDetail::throwReshapeBeyondStorage();
     m_dimensions.assign(dims.begin(), dims.end());
@@ -137,7 +121,6 @@ class TransmuteVariant : public IVariantData {
     return std::min(derived().numberAllocatedElements(), TransmuteDetail::storedBytes(*m_inner) / sizeof(T));
   }
 
-  mutable std::atomic<std::uint32_t> m_count{1};
   std::vector<std::uint64_t> m_dimensions;
 };
 
@@ -148,12 +131,10 @@ class TransmuteComplexToRealVariant final : public TransmuteVariant<TransmuteCom
   static std::uint64_t adjustFastestDimension(std::uint64_t size) noexcept { return size * 2; }
 
   std::uint64_t numberAllocatedElements() const override { return m_inner->numberAllocatedElements() * 2; }
-  WellKnownType wellKnownDataType() const override {
-    return TransmuteDetail::withComplexBit(m_inner->wellKnownDataType(), false);
-  }
+  WellKnownType wellKnownDataType() const override { return realPartKind(m_inner->wellKnownDataType()); }
   IVariantData *convertDataTo(WellKnownType type, ConversionPolicy policy) const override {
     TransmuteDetail::requireNumeric(type);
-    return wrap(m_inner->convertDataTo(TransmuteDetail::withComplexBit(type, true), policy));
+    return wrap(m_inner->convertDataTo(complexKindOf(type), policy));
   }
 };
 
@@ -167,10 +148,10 @@ class TransmuteRealToComplexVariant final : public TransmuteVariant<TransmuteRea
   WellKnownType wellKnownDataType() const override {
     WellKnownType const kind = m_inner->wellKnownDataType();
     TransmuteDetail::requireNumeric(kind);
-    return TransmuteDetail::withComplexBit(kind, true);
+    return complexKindOf(kind);
   }
   IVariantData *convertDataTo(WellKnownType type, ConversionPolicy policy) const override {
-    return wrap(m_inner->convertDataTo(TransmuteDetail::withComplexBit(type, false), policy));
+    return wrap(m_inner->convertDataTo(realPartKind(type), policy));
   }
 };
 

@@ -3,7 +3,7 @@
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Unit.h>
-#include <variant/capi/TransportGuard.h>
+#include <text/TransportGuard.h>
 
 #include <cstdint>
 #include <vector>

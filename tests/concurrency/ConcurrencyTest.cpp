@@ -6,8 +6,8 @@
 #include <VantraCore/InternedString.h>
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyPath.h>
-#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/ScratchDirectory.h>
+#include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/detail/VectorVariantData.h>
 
 #include <gtest/gtest.h>
@@ -72,7 +72,9 @@ void shareAndWrite(IVariantData *shared, int elements) {
   });
   for (int i = 0; i < elements; ++i)
     EXPECT_EQ(textAt(shared, i), original[i]);
-  shared->destruct();
+  IVariantData *const last = shared->ensureUnique();
+  EXPECT_EQ(last, shared) << "a thread kept a reference";
+  last->destruct();
 }
 
 }  // namespace
@@ -87,8 +89,10 @@ TEST(Concurrency, InterningSameAndDifferentNames) {
   constexpr int names = 300;
   std::vector<std::vector<char const *>> shared(threadCount), own(threadCount);
   onThreads([&](int t) {
+    shared[t].resize(names);
     for (int i = 0; i < names; ++i) {
-      shared[t].push_back(InternedString(("shared " + std::to_string(i)).c_str()).data());
+      int const k = (i * 7 + t) % names;  // each thread meets the shared names in its own order
+      shared[t][k] = InternedString(("shared " + std::to_string(k)).c_str()).data();
       own[t].push_back(InternedString(("own " + std::to_string(t) + " " + std::to_string(i)).c_str()).data());
     }
   });

@@ -49,7 +49,7 @@ TEST(Time, SplitSecondsRoundsDownAndTellsWhenTheSecondsOverflow) {
 
 TEST(Complex, TwoPartsStoredDensely) {
   Complex<bool> const flags[3] = {{true, false}, {}, {false, true}};
-  EXPECT_EQ(sizeof flags, 6u);
+  static_assert(sizeof flags == 6, "two parts of one byte, no padding");
   Complex<std::int64_t> const value(-1, 7);
   EXPECT_NE(value, Complex<std::int64_t>(-1, 8));
 }

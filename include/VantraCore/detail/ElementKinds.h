@@ -97,13 +97,12 @@ constexpr decltype(auto) dispatchNumericType(WellKnownType type, F &&f) {
 // (customType and none among them) "unknown type".
 template <class F>
 constexpr decltype(auto) dispatchWellKnownType(WellKnownType type, F &&f) {
-  auto const code = static_cast<std::uint16_t>(type.value());
-  switch (code) {
+  switch (static_cast<std::uint16_t>(type.value())) {
     VANTRACORE_ELEMENT_KINDS(VANTRACORE_ELEMENT_KIND_CASE)
     default:
       break;
   }
-  if ((code & wellKnownTypeNumericBaseMask) != 0) throwNotANumericType();
+  if (hasNumericBase(type)) throwNotANumericType();
   throwUnknownType();
 }
 

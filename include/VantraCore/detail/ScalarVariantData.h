@@ -2,10 +2,10 @@
 
 #include <VantraCore/ArrayIndexing.h>
 #include <VantraCore/Export.h>
-#include <VantraCore/detail/IVariantData.h>
 #include <VantraCore/WellKnownType.h>
+#include <VantraCore/detail/CountedHolder.h>
+#include <VantraCore/detail/IVariantData.h>
 
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -50,21 +50,11 @@ class ScalarVariantData : public IVariantData {
 
 // A scalar on the heap, shared by reference count.
 template <class T>
-class ScalarVariantDataRefCounted final : public ScalarVariantData<T> {
+class ScalarVariantDataRefCounted final : public CountedHolder<ScalarVariantData<T>> {
  public:
-  explicit ScalarVariantDataRefCounted(T value) : ScalarVariantData<T>(std::move(value)) {}
+  explicit ScalarVariantDataRefCounted(T value) : CountedHolder<ScalarVariantData<T>>(std::move(value)) {}
 
-  void copy() const noexcept override { count.fetch_add(1); }
-  void destruct() const noexcept override {
-    if (count.fetch_sub(1) == 1) delete this;
-  }
-  IVariantData *ensureUnique() override;
   IVariantData *clone() const override { return new ScalarVariantDataRefCounted(this->value); }
-
-  std::uint32_t referenceCount() const noexcept { return count.load(); }
-
- private:
-  mutable std::atomic<std::uint32_t> count{1};
 };
 
 // A scalar standing in a buffer that its one owner holds: never counted, never deleted, only

@@ -3,7 +3,7 @@
 #include <VantraCore/detail/ScalarVariantData.h>
 #include <VantraCore/VariantCApi.h>
 #include <VantraCore/detail/VectorVariantData.h>
-#include <variant/capi/TransportGuard.h>
+#include <text/TransportGuard.h>
 
 #include <cstdint>
 #include <stdexcept>

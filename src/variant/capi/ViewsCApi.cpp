@@ -2,7 +2,7 @@
 
 #include <VantraCore/ExternalVariantStorage.h>
 #include <VantraCore/TransmuteVariant.h>
-#include <variant/capi/TransportGuard.h>
+#include <text/TransportGuard.h>
 
 using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Internal;

@@ -1,5 +1,5 @@
 #include <VantraCore/ExceptionTransport.h>
-#include <variant/capi/TransportGuard.h>
+#include <text/TransportGuard.h>
 
 #include <gtest/gtest.h>
 
