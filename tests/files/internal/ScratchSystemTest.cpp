@@ -38,15 +38,44 @@ struct PausedChild {
 TEST(ScratchSystem, RootNames) {
   TempDirectory const temporary;
   ScopedEnvironment const redirect("TMPDIR", temporary.path().c_str());
+  std::string const user = "-" + std::to_string(::geteuid());
   EXPECT_EQ(Internal::executableStem(), "test_files_internal");
-  EXPECT_EQ(Internal::makeScratchRoot("app", "sub").generic(), VxString(temporary / "app/sub"));
+  EXPECT_EQ(Internal::makeScratchRoot("app", "sub").generic(), VxString(temporary / ("app" + user + "/sub")));
+  EXPECT_EQ(Internal::makeScratchRoot("a/b", "").generic(), VxString(temporary / ("a" + user + "/b")));
   for (char const *name : {"", ".", "..", "../.."}) {
-    EXPECT_EQ(Internal::makeScratchRoot(name, "").generic(), VxString(temporary / "Scratch")) << name;
+    EXPECT_EQ(Internal::makeScratchRoot(name, "").generic(), VxString(temporary / ("Scratch" + user))) << name;
   }
-  std::ofstream(temporary / "file") << "x";
-  EXPECT_THAT(
-      [] { Internal::makeScratchRoot("file", ""); },
-      throws("Couldn't create directories for \"" + Path(temporary / "file").string().toStdString() + "\"."));
+  EXPECT_EQ(fs::status(temporary / ("app" + user)).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(fs::status(temporary / ("app" + user + "/sub")).permissions(), fs::perms::owner_all);
+  std::string const tooLong(300, 'n');
+  EXPECT_THAT([&] { Internal::makeScratchRoot(tooLong, ""); },
+              throws("Couldn't create directories for \"" +
+                     Path(temporary / (tooLong + user)).string().toStdString() + "\"."));
+}
+
+// Every level that exists already must be a plain directory of this user that no other user can reach.
+TEST(ScratchSystem, RefusesLevelsOthersCouldReach) {
+  TempDirectory const temporary;
+  ScopedEnvironment const redirect("TMPDIR", temporary.path().c_str());
+  std::string const user = "-" + std::to_string(::geteuid());
+  auto const refused = [&](std::string const &level, std::string const &reason) {
+    return throws("Refusing scratch directory \"" + Path(temporary / level).string().toStdString() +
+                  "\": " + reason + ".");
+  };
+  std::ofstream(temporary / ("file" + user)) << "x";
+  EXPECT_THAT([] { Internal::makeScratchRoot("file", ""); }, refused("file" + user, "it is not a directory"));
+  fs::create_directory(temporary / "target");
+  fs::create_directory_symlink(temporary / "target", temporary / ("link" + user));
+  EXPECT_THAT([] { Internal::makeScratchRoot("link", ""); }, refused("link" + user, "it is a symbolic link"));
+  fs::create_directory(temporary / ("open" + user));
+  fs::permissions(temporary / ("open" + user), fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec);
+  EXPECT_THAT([] { Internal::makeScratchRoot("open", ""); },
+              refused("open" + user, "other users have access to it (mode 0750, not 0700)"));
+  Internal::makeScratchRoot("app", "");
+  fs::create_directory_symlink(temporary / "target", temporary / ("app" + user + "/sub"));
+  EXPECT_THAT([] { Internal::makeScratchRoot("app", "sub"); },
+              refused("app" + user + "/sub", "it is a symbolic link"));
+  EXPECT_TRUE(fs::is_empty(temporary / "target"));
 }
 
 TEST(ScratchSystem, FailedStartIsRetried) {
@@ -67,7 +96,8 @@ TEST(ScratchSystem, FailedStartIsRetried) {
   }
   for (std::thread &thread : threads)
     thread.join();
-  std::string const process = temporary / ("test_files_internal/" + std::to_string(::getpid()));
+  std::string const process =
+      temporary / ("test_files_internal-" + std::to_string(::geteuid()) + "/" + std::to_string(::getpid()));
   for (std::size_t i = 0; i < made.size(); ++i) {
     EXPECT_EQ(made[i].generic(), VxString(process + "/t" + std::to_string(i)));
   }
