@@ -28,17 +28,6 @@ void requireCommensurable(std::string const &fromText, Unit const &from, std::st
                     dimensionsText(from) + " and " + dimensionsText(to) + " are not commensurable");
 }
 
-namespace {
-
-// Truth values have a numeric base too, but no unit.
-bool isNumberKind(WellKnownType kind) {
-  using Internal::WellKnownTypeValue;
-  if (kind == WellKnownTypeValue::typeBool || kind == WellKnownTypeValue::typeComplexBool) return false;
-  return (static_cast<std::uint16_t>(kind.value()) & Internal::wellKnownTypeNumericBaseMask) != 0;
-}
-
-}  // namespace
-
 VxVariant convertElements(VxVariant const &value, Unit const &from, Unit const &to) {
   if (value.isNull()) throw std::invalid_argument("the value is null, not a number");
   WellKnownType const kind = value.wellKnownDataType();
