@@ -11,6 +11,7 @@
 #include "../TempDirectory.h"
 
 #include <fstream>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -133,4 +134,25 @@ TEST(ScratchSystem, ReclaimingSparesLiveProcesses) {
   fs::create_directory(root / childName);
   Internal::reclaimStaleDirectories(rootPath);
   EXPECT_FALSE(fs::exists(root / childName));
+}
+
+// Names are taken by mkdir, so threads racing for one name still get a directory each.
+TEST(ScratchSystemThreads, SameNameGivesEachThreadItsOwn) {
+  TempDirectory const temporary;
+  ScopedEnvironment const redirect("TMPDIR", temporary.path().c_str());
+  Internal::ScratchSystem system;
+  std::vector<std::vector<VxString>> made(4);
+  std::vector<std::thread> threads;
+  for (std::vector<VxString> &mine : made) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 20; ++i)
+        mine.push_back(system.makeUniqueDirectory("x").generic());
+    });
+  }
+  for (std::thread &thread : threads)
+    thread.join();
+  std::set<VxString> distinct;
+  for (std::vector<VxString> const &mine : made)
+    distinct.insert(mine.begin(), mine.end());
+  EXPECT_EQ(distinct.size(), 80u);
 }
