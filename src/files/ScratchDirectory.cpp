@@ -2,7 +2,9 @@
 #include <files/PathInternal.h>
 #include <files/ScratchSystem.h>
 
+#include <errno.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -41,22 +43,22 @@ bool hasExited(int id) {
   return state == 'Z' || state == 'X';
 }
 
-bool createdDirectory(Path const &path) {
-  try {
-    return path.create_directory();
-  } catch (fs::filesystem_error const &) {
-    return false;
-  }
-}
-
 [[noreturn]] void throwFailedToCreate(Path const &path) {
   throw std::runtime_error("Failed to create directory \"" + path.string().toStdString() + "\".");
 }
 
-bool isBelow(Path path, Path directory) {
-  std::string const &inner = path.normalize().fs_path().native();
-  std::string const outer = Path::add_separator(directory.normalize().string()).toStdString();
-  return inner.size() > outer.size() && inner.compare(0, outer.size(), outer) == 0;
+// Made by mkdir, which never follows a link, so a name taken by anything at all counts as taken, and
+// of two threads racing for one name only one gets it.
+bool madeDirectory(Path const &path) {
+  if (::mkdir(Internal::posixName(path).c_str(), 0777) == 0) return true;
+  if (errno != EEXIST) throwFailedToCreate(path);
+  return false;
+}
+
+bool isOwnDirectory(Path const &path) {
+  struct stat status {};
+  return ::lstat(Internal::posixName(path).c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+         status.st_uid == ::geteuid();
 }
 
 }  // namespace
@@ -72,32 +74,6 @@ VxString executableStem() {
   } catch (...) {
     return VxString();
   }
-}
-
-Path makeScratchRoot(VxString const &application, VxString const &subName) {
-  std::error_code code;
-  fs::path const temporaryName = fs::temp_directory_path(code);
-  if (!code && !fs::is_directory(temporaryName, code) && !code)
-    code = std::make_error_code(std::errc::not_a_directory);
-  if (code)
-    throw fs::filesystem_error("temp_directory_path(): can't find temp directory", temporaryName, code);
-
-  Path const temporary = pathFromSystem(temporaryName.native());
-  Path root = temporary;
-  if (!application.empty()) root /= Path(application);
-  if (!subName.empty()) root /= Path(subName);
-  // Names such as "." or ".." must not make the temporary directory, or one above it, the root whose
-  // numbered entries get reclaimed.
-  if (!isBelow(root, temporary)) root = Path(temporary) /= Path("Scratch");
-
-  bool made = false;
-  try {
-    made = root.create_directories();
-  } catch (fs::filesystem_error const &) {
-  }
-  if (!made)
-    throw std::runtime_error("Couldn't create directories for \"" + root.string().toStdString() + "\".");
-  return root;
 }
 
 bool isLiveProcess(int id) {
@@ -133,10 +109,9 @@ void reclaimStaleDirectories(Path const &root) {
 Path ScratchSystem::makeUniqueDirectory(VxString const &name) {
   start();
   Path candidate = m_processDirectory.resolve_path(Path(name));
-  for (std::uint64_t k = 1; candidate.exists(); ++k) {
+  for (std::uint64_t k = 1; candidate.exists() || !madeDirectory(candidate); ++k) {
     candidate = m_processDirectory.resolve_path(Path(name + VxString(std::to_string(k))));
   }
-  if (!createdDirectory(candidate)) throwFailedToCreate(candidate);
   return candidate.normalize();
 }
 
@@ -157,9 +132,13 @@ void ScratchSystem::initialise() {
   }
   if (m_application.empty()) m_application = executableStem();
   m_root = makeScratchRoot(m_application, m_subName);
-  reclaimStaleDirectories(m_root);
+  RootLock const lock(m_root);
+  // Without the lock a reclaim could remove a directory another process has just made.
+  if (lock.locked()) reclaimStaleDirectories(m_root);
   m_processDirectory = m_root.resolve_path(Path(std::to_string(::getpid())));
-  if (!createdDirectory(m_processDirectory)) throwFailedToCreate(m_processDirectory);
+  // Left behind when it could not be reclaimed: still this process's, if it is a plain directory.
+  if (!madeDirectory(m_processDirectory) && !isOwnDirectory(m_processDirectory))
+    throwFailedToCreate(m_processDirectory);
 }
 
 }  // namespace Internal

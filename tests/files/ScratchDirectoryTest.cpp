@@ -18,13 +18,16 @@ using namespace Tarvex::VantraCore::Experimental;
 TEST(ScratchDirectory, NumberedDirectoriesBelowTheProcessDirectory) {
   TempDirectory const temporary;
   ScopedEnvironment const redirect("TMPDIR", temporary.path().c_str());
-  std::filesystem::create_directories(temporary / "analyzer/-5");
-  std::ofstream(temporary / "analyzer/-5/inside") << "x";
+  // The root carries the user id, and is this user's alone.
+  std::string const root = temporary / ("analyzer-" + std::to_string(::geteuid()));
+  std::filesystem::create_directories(root + "/-5");
+  std::filesystem::permissions(root, std::filesystem::perms::owner_all);
+  std::ofstream(root + "/-5/inside") << "x";
   setScratchDirectoryAppName("analyzer", "");
 
-  std::string const process = temporary / ("analyzer/" + std::to_string(::getpid()));
+  std::string const process = root + "/" + std::to_string(::getpid());
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x"));
-  EXPECT_FALSE(std::filesystem::exists(temporary / "analyzer/-5"));
+  EXPECT_FALSE(std::filesystem::exists(root + "/-5"));
   setScratchDirectoryAppName("other", "");
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x1"));
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x2"));
@@ -32,7 +35,7 @@ TEST(ScratchDirectory, NumberedDirectoriesBelowTheProcessDirectory) {
   EXPECT_EQ(makeUniqueScratchDirectory("x").generic(), VxString(process + "/x1"));
   EXPECT_EQ(makeUniqueScratchDirectory("").generic(), VxString(process + "/1"));
   EXPECT_TRUE(std::filesystem::is_directory(process + "/x2"));
-  EXPECT_FALSE(std::filesystem::exists(temporary / "other"));
+  EXPECT_FALSE(std::filesystem::exists(temporary / ("other-" + std::to_string(::geteuid()))));
 
   EXPECT_THAT(
       [&] { makeUniqueScratchDirectory("p/q"); },
