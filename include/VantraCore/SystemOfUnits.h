@@ -22,7 +22,8 @@ class VANTRACORE_API SystemOfUnits {
   SystemOfUnits &operator=(SystemOfUnits const &) = delete;
 
   // The unit under exactly this name, else std::logic_error "Error: in GetUnitsByName: unit-name
-  // '<name>' not found.".
+  // '<name>' not found.". A name with the Greek mu (U+03BC) for micro also finds the name spelt with the
+  // micro sign (U+00B5): "μV" gives the "µV" unit, labelled "μV" as written.
   Unit getUnitsByName(VxString const &name) const;
   // Lenient lookup: unless the text is "Celsius", "hundreds" or "thousands", the first "Ohm" becomes
   // "Ω" and then the first "u" becomes "µ". A name not in the table is parsed as unit text, which

@@ -82,6 +82,10 @@ class VANTRACORE_API Unit {
   // commensurable - from: <this> to <to>", or "Failed convering units from <this> to <to>" when the
   // elements do not convert to numbers.
   VxVariant convertTo(Unit const &to, VxVariant value) const;
+  // As the variant convertTo, with the same checks and messages, but every element goes through scale,
+  // offset and logarithm whatever the SI texts say: "°C" to "K" adds 273.15 although both read "K".
+  // Always a new array (or scalar); `value` is left as it is.
+  VxVariant convertElements(Unit const &to, VxVariant const &value) const;
 
   // The unit of a unit text such as "mV" or "kg*m/s^2"; std::runtime_error "Error constructing a unit
   // from SI String <text>" if it does not parse.

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <shared_mutex>
 #include <stdexcept>
 #include <string>
@@ -15,6 +16,13 @@ namespace Tarvex::VantraCore::Experimental {
 struct SystemOfUnits::Table {
   mutable std::shared_mutex mutex;
   std::map<VxString, Unit> units;  // VxString orders by bytes, shorter first on a common prefix
+
+  std::optional<Unit> find(VxString const &name) const {
+    std::shared_lock<std::shared_mutex> const lock(mutex);
+    auto const found = units.find(name);
+    if (found == units.end()) return std::nullopt;
+    return found->second;
+  }
 
   // Calls `visit(name, unit)` for each unit whose type is `type`, in key order, under the lock.
   template <class Visit>
@@ -36,6 +44,14 @@ std::string messageWith(char const *head, VxString const &name, char const *tail
 void replaceFirst(std::string &text, std::string_view from, std::string_view to) {
   std::size_t const at = text.find(from);
   if (at != std::string::npos) text.replace(at, from.size(), to);
+}
+
+// Every Greek small mu (U+03BC) as the micro sign (U+00B5).
+std::string withMicroSign(VxString const &name) {
+  std::string text = name.toStdString();
+  for (std::size_t at = text.find("\u03BC"); at != std::string::npos; at = text.find("\u03BC", at))
+    text.replace(at, 2, "\u00B5");
+  return text;
 }
 
 }  // namespace
@@ -116,12 +132,17 @@ SystemOfUnits &SystemOfUnits::instance() {
 }
 
 Unit SystemOfUnits::getUnitsByName(VxString const &name) const {
-  std::shared_lock<std::shared_mutex> const lock(m_table->mutex);
-  auto const found = m_table->units.find(name);
-  if (found == m_table->units.end()) {
-    throw std::logic_error(messageWith("Error: in GetUnitsByName: unit-name '", name, "' not found."));
+  std::optional<Unit> found = m_table->find(name);
+  if (!found) {
+    // Names spell micro with the micro sign; the Greek mu finds them too, and a unit labelled by its
+    // name keeps the name as written.
+    VxString const microName(withMicroSign(name));
+    if (microName != name) found = m_table->find(microName);
+    if (found && found->getUnitsLabel(ValueTypeSemantics()) == microName) found->setUnitsLabel(name);
   }
-  return found->second;
+  if (!found)
+    throw std::logic_error(messageWith("Error: in GetUnitsByName: unit-name '", name, "' not found."));
+  return std::move(*found);
 }
 
 Unit SystemOfUnits::getUnitsFromString(VxString const &text) const {

@@ -1,11 +1,9 @@
+#include <units/UnitElements.h>
 #include <units/UnitParser.h>
 
 #include <VantraCore/InternedString.h>
 #include <VantraCore/Unit.h>
-#include <VantraCore/WellKnownType.h>
 
-#include <cmath>
-#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -69,61 +67,27 @@ bool holdsStoredForm(PropertyNode const &node) {
   return true;
 }
 
-// The six numbers of a conversion, read once.
-struct Conversion {
-  double fromLog, fromScale, fromOffset, toLog, toScale, toOffset;
-
-  Conversion(Unit const &from, Unit const &to)
-      : fromLog(from.getLogMultiplier()),
-        fromScale(from.getScale()),
-        fromOffset(from.getOffset()),
-        toLog(to.getLogMultiplier()),
-        toScale(to.getScale()),
-        toOffset(to.getOffset()) {}
-
-  // A NaN multiplier counts as logarithmic; 1e-300 > y keeps a NaN y as NaN.
-  template <bool FromLog, bool ToLog>
-  double apply(double x) const {
-    double l = x;
-    if constexpr (FromLog) l = std::pow(10.0, x / fromLog);
-    double const y = ((fromScale * l + fromOffset) - toOffset) / toScale;
-    if constexpr (!ToLog) return y;
-    return std::log10(1e-300 > y ? 1e-300 : y) * toLog;
-  }
-
-  double operator()(double x) const {
-    bool const fromLogarithmic = fromLog != 0.0;
-    bool const toLogarithmic = toLog != 0.0;
-    if (fromLogarithmic) return toLogarithmic ? apply<true, true>(x) : apply<true, false>(x);
-    return toLogarithmic ? apply<false, true>(x) : apply<false, false>(x);
-  }
-
-  template <bool FromLog, bool ToLog>
-  void applyAll(double *values, std::uint64_t count) const {
-    Conversion const c = *this;  // a local copy, so the compiler need not reload it through `values`
-    for (std::uint64_t i = 0; i < count; ++i)
-      values[i] = c.apply<FromLog, ToLog>(values[i]);
-  }
-
-  // The logarithm choices are made once, outside the loop, so the linear loop vectorises.
-  void applyAll(double *values, std::uint64_t count) const {
-    bool const fromLogarithmic = fromLog != 0.0;
-    bool const toLogarithmic = toLog != 0.0;
-    if (fromLogarithmic)
-      toLogarithmic ? applyAll<true, true>(values, count) : applyAll<true, false>(values, count);
-    else
-      toLogarithmic ? applyAll<false, true>(values, count) : applyAll<false, false>(values, count);
-  }
-};
-
 std::string siText(Unit const &unit) {
   return unit.getSiUnits(ValueTypeSemantics()).toStdString();
+}
+
+// The checks and messages that every conversion of a whole variant shares.
+template <class Convert>
+VxVariant convertedVariant(Unit const &from, Unit const &to, Convert &&convert) {
+  if (!from.isCommensurable(to))
+    throw std::runtime_error("To units are not commensurable - from: " + siText(from) + " to " + siText(to));
+  try {
+    return convert(Internal::UnitConversion::Formula(from, to));
+  } catch (...) {
+    throw std::runtime_error("Failed convering units from " + siText(from) + " to " + siText(to));
+  }
 }
 
 }  // namespace
 
 using Internal::IviUnitImplementation::throwWithText;
 using Internal::IviUnitImplementation::viewOf;
+using Internal::UnitConversion::Formula;
 
 Unit::Unit()
     : m_node(makeNode(0.0, 0.0, 0.0, VxString(), VxString(), VxString())),
@@ -253,41 +217,28 @@ bool Unit::isLogarithmic() const {
 double Unit::convertTo(Unit const &to, double value) const {
   if (!isCommensurable(to))
     throw std::runtime_error("Units " + siText(to) + " is not commensurable to " + siText(*this));
-  return Conversion(*this, to)(value);
+  return Formula(*this, to)(value);
 }
 
 std::complex<double> Unit::convertTo(Unit const &to, std::complex<double> value) const {
   if (!isCommensurable(to))
     throw std::runtime_error("Units " + siText(to) + " is not Commensurable to " + siText(*this));
-  Conversion const conversion(*this, to);
-  return {conversion(value.real()), conversion(value.imag())};
+  Formula const formula(*this, to);
+  return {formula(value.real()), formula(value.imag())};
 }
 
 VxVariant Unit::convertTo(Unit const &to, VxVariant value) const {
   if (getSiUnits(ValueTypeSemantics()) == to.getSiUnits(ValueTypeSemantics())) return value;
-  if (!isCommensurable(to))
-    throw std::runtime_error("To units are not commensurable - from: " + siText(*this) + " to " + siText(to));
-  try {
-    // A null value has nothing to convert and fails like a refused element.
-    if (value.isNull()) throw std::runtime_error("null value");
-    bool const complex = isComplexKind(value.wellKnownDataType());
-    WellKnownType const target =
-        complex ? wellKnownTypeOf<std::complex<double>>() : wellKnownTypeOf<double>();
-    VxVariant result = value.convertTo(target, conversionCast);
-    // Dropping our reference first lets a moved-in double array be converted without a copy.
-    value = VxVariant();
-    Conversion const conversion(*this, to);
-    std::uint64_t const count = result.numberOfElements();
-    if (count == 0) return result;
-    // Real and imaginary parts go through the formula alike, so complex elements are two doubles each.
-    double *const data = complex
-                             ? reinterpret_cast<double *>(result.mutableStoredData<std::complex<double>>())
-                             : result.mutableStoredData<double>();
-    conversion.applyAll(data, complex ? 2 * count : count);
-    return result;
-  } catch (...) {
-    throw std::runtime_error("Failed convering units from " + siText(*this) + " to " + siText(to));
-  }
+  // Taking our reference along lets a moved-in array of doubles be converted without a copy.
+  return convertedVariant(*this, to, [&value](Formula const &formula) {
+    return Internal::UnitConversion::convertedElementsReusing(formula, std::move(value));
+  });
+}
+
+VxVariant Unit::convertElements(Unit const &to, VxVariant const &value) const {
+  return convertedVariant(*this, to, [&value](Formula const &formula) {
+    return Internal::UnitConversion::convertedElements(formula, value);
+  });
 }
 
 bool operator==(Unit const &a, Unit const &b) {

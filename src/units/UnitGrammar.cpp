@@ -4,7 +4,9 @@
 
 #include <VantraCore/UnitString.h>
 
+#include <algorithm>
 #include <locale>
+#include <string_view>
 
 namespace Tarvex::VantraCore::Internal::IviUnitImplementation {
 
@@ -56,11 +58,6 @@ bool isDigit(char c) noexcept {
 // past that the group is a plain run of digits.
 constexpr std::size_t s_atomWindow = 16;
 
-std::string_view groupView(std::csub_match const &group) {
-  if (!group.matched) return {};
-  return std::string_view(group.first, static_cast<std::size_t>(group.second - group.first));
-}
-
 }  // namespace
 
 bool matchUnitAtom(std::string_view text, UnitAtomGroups &groups) {
@@ -72,21 +69,36 @@ bool matchUnitAtom(std::string_view text, UnitAtomGroups &groups) {
   while (start < text.size() && isPatternSpace(text[start]))
     ++start;
   char const *const first = text.data() + start;
-  char const *const windowEnd = first + std::min(text.size() - start, s_atomWindow);
+  std::size_t const windowSize = std::min(text.size() - start, s_atomWindow);
+  // The pattern reads a copy of the window in which the Greek mu is the micro sign; the groups are
+  // taken back onto `text` at the same positions.
+  char window[s_atomWindow];
+  std::copy_n(first, windowSize, window);
+  std::string_view const windowText(window, windowSize);
+  for (std::size_t at = windowText.find(s_greekMu); at != std::string_view::npos;
+       at = windowText.find(s_greekMu, at + s_greekMu.size()))
+    std::copy(s_microSign.begin(), s_microSign.end(), window + at);
+  char const *const windowEnd = window + windowSize;
   std::cmatch match;
-  if (!std::regex_search(first, windowEnd, match, unitAtomRegex(), std::regex_constants::match_continuous)) {
+  if (!std::regex_search(static_cast<char const *>(window), windowEnd, match, unitAtomRegex(),
+                         std::regex_constants::match_continuous)) {
     return false;
   }
-  groups.prefix = groupView(match[1]);
-  groups.unit = groupView(match[2]);
-  groups.exponent = groupView(match[3]);
+  auto const inText = [&](std::csub_match const &group) {
+    return group.matched
+               ? std::string_view(first + (group.first - window), static_cast<std::size_t>(group.length()))
+               : std::string_view();
+  };
+  groups.prefix = inText(match[1]);
+  groups.unit = inText(match[2]);
+  groups.exponent = inText(match[3]);
   if (!groups.exponent.empty() && match[3].second == windowEnd) {
     char const *const textEnd = text.data() + text.size();
-    char const *digitsEnd = windowEnd;
+    char const *digitsEnd = first + windowSize;
     while (digitsEnd != textEnd && isDigit(*digitsEnd))
       ++digitsEnd;
-    groups.exponent =
-        std::string_view(groups.exponent.data(), static_cast<std::size_t>(digitsEnd - match[3].first));
+    groups.exponent = std::string_view(groups.exponent.data(),
+                                       static_cast<std::size_t>(digitsEnd - groups.exponent.data()));
   }
   return true;
 }

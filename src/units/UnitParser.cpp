@@ -36,8 +36,9 @@ struct Quantity {
     double b = 1.0;
     UnitDimensions d;
     if (!groups.prefix.empty()) {
+      std::string_view const prefix = groups.prefix == s_greekMu ? s_microSign : groups.prefix;
       for (PrefixRow const &row : s_prefixes) {
-        if (row.symbol == groups.prefix) {
+        if (row.symbol == prefix) {
           b = std::pow(10.0, row.exponent);
           break;
         }

@@ -20,6 +20,11 @@ inline constexpr PrefixRow s_prefixes[] = {
     {"n", -9}, {"p", -12}, {"f", -15}, {"a", -18}, {"z", -21}, {"y", -24},
 };
 
+// The Greek small mu stands for micro as the micro sign does: most keyboards and many files give it.
+// Both take two bytes in UTF-8, so reading one as the other keeps every length and position.
+inline constexpr std::string_view s_microSign = "\u00B5";
+inline constexpr std::string_view s_greekMu = "\u03BC";
+
 using Experimental::UnitType;
 
 struct UnitSymbolRow {

@@ -88,6 +88,35 @@ TEST(SystemOfUnits, LenientLookup) {
               throws<std::runtime_error>("Error constructing a unit from SI String \u00B5uV"));
 }
 
+// Names are spelt with the micro sign; the Greek mu finds them and the label stays as written.
+TEST(SystemOfUnits, GreekMuFindsMicroNames) {
+  std::string const mu = "\u03BC";
+  Unit const greek = units().getUnitsByName(VxString(mu + "V"));
+  Unit const sign = units().getUnitsByName("\u00B5V");
+  EXPECT_EQ(greek.getUnitsLabel(), mu + "V");
+  EXPECT_EQ(greek.getScale(), sign.getScale());
+  EXPECT_TRUE(greek.getUnitType() == sign.getUnitType());
+  EXPECT_EQ(greek.convertTo(units().getUnitsByName("V"), 5.0),
+            sign.convertTo(units().getUnitsByName("V"), 5.0));
+  EXPECT_EQ(units().getUnitsByName("\u00B5V").getUnitsLabel(), "\u00B5V");  // the table keeps its own
+
+  Unit const decibels = units().getUnitsFromString(VxString("dB" + mu + "V"));
+  EXPECT_EQ(decibels.getUnitsLabel(), "dB" + mu + "V");
+  EXPECT_EQ(decibels.getScale(), 1e-06);
+  EXPECT_EQ(decibels.getLogMultiplier(), 20.0);
+
+  // Not a name: parsed, with the text as written.
+  Unit const parsed = units().getUnitsFromString(VxString(mu + "m/s"));
+  EXPECT_EQ(parsed.getUnitsLabel(), mu + "m/s");
+  EXPECT_EQ(parsed.getScale(), 1e-06);
+  EXPECT_THROW(units().getUnitsFromString(VxString("k" + mu + "m")), std::runtime_error);  // two prefixes
+  Unit const fromText = Unit::fromIviUnitString(VxString(mu + "A"));
+  EXPECT_EQ(fromText.getSiUnits(), mu + "A");
+  EXPECT_EQ(fromText.getScale(), units().getUnitsByName("\u00B5A").getScale());
+  EXPECT_THAT([&] { units().getUnitsByName(VxString(mu + "X")); },
+              throws<std::logic_error>("Error: in GetUnitsByName: unit-name '" + mu + "X' not found."));
+}
+
 TEST(SystemOfUnits, ListingsOfAType) {
   EXPECT_EQ(textsOf(units().getUnits(UnitType::thermodynamicTemperature())),
             (std::vector<std::string>{"\u00B0C", "\u00B0F", "K"}));

@@ -1,4 +1,6 @@
+#include <VantraCore/Complex.h>
 #include <VantraCore/Unit.h>
+#include <VantraCore/WellKnownType.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -156,6 +158,89 @@ TEST(Unit, EqualityIgnoresTypeNamesButNotNumbers) {
   shifted.setOffset(1.0);
   EXPECT_TRUE(shifted != other);
   EXPECT_FALSE(celsius == kelvin);
+}
+
+// The default table's temperatures: both SI texts read "K", so convertTo hands the variant back.
+Unit const kelvinByType(UnitType::thermodynamicTemperature(), "K", 1.0, 0.0, 0.0);
+Unit const celsiusByType(UnitType::thermodynamicTemperature(), "\u00B0C", 1.0, 273.15, 0.0);
+Unit const fahrenheitByType(UnitType::thermodynamicTemperature(), "\u00B0F", 0.5555555555555556,
+                            255.37222222222223, 0.0);
+
+std::vector<std::uint64_t> shapeOf(VxVariant const &value) {
+  return std::vector<std::uint64_t>(value.dimensions().begin(), value.dimensions().end());
+}
+
+TEST(UnitConvertElements, ConvertsEveryElementWhateverTheSiTexts) {
+  VxVariant const temperatures(std::vector<double>{0, 1, 2, 3, 4, -273.15}, {2, 3}, rowMajor);
+  EXPECT_TRUE(celsiusByType.convertTo(kelvinByType, temperatures).isIdenticalTo(temperatures));
+  VxVariant const kelvins = celsiusByType.convertElements(kelvinByType, temperatures);
+  ASSERT_TRUE(kelvins.isType<double>());
+  EXPECT_EQ(shapeOf(kelvins), (std::vector<std::uint64_t>{2, 3}));
+  EXPECT_EQ(kelvins.dataOrdering(), rowMajor);
+  for (std::uint64_t i = 0; i < 6; ++i)
+    EXPECT_EQ(kelvins.at<double>(i), temperatures.at<double>(i) + 273.15) << i;
+  EXPECT_EQ(temperatures.at<double>(0), 0.0);  // the input stays as it was
+
+  VxVariant const fahrenheits(std::vector<float>{32.0f, 212.0f, -40.0f});
+  VxVariant const celsiusValues = fahrenheitByType.convertElements(celsiusByType, fahrenheits);
+  EXPECT_NEAR(celsiusValues.at<double>(0), 0.0, 1e-12);
+  EXPECT_NEAR(celsiusValues.at<double>(1), 100.0, 1e-12);
+  EXPECT_NEAR(celsiusValues.at<double>(2), -40.0, 1e-12);
+
+  // A scalar stays a scalar.
+  VxVariant const one = millivolt.convertElements(volt, VxVariant(std::int32_t(7)));
+  EXPECT_TRUE(one.isScalarStorage());
+  EXPECT_EQ(one.get<double>(), 0.007);
+}
+
+TEST(UnitConvertElements, IntegersKeepTheirOrderAcrossCastRuns) {
+  // More elements than one run of the cast, in both orderings, each element in its own place.
+  std::vector<std::int16_t> ints(3000);
+  for (std::size_t i = 0; i < ints.size(); ++i)
+    ints[i] = std::int16_t(int(i) * 7 - 10000);
+  for (DataOrdering ordering : {rowMajor, columnMajor}) {
+    VxVariant const volts = millivolt.convertElements(volt, VxVariant(ints, {3, 1000}, ordering));
+    ASSERT_TRUE(volts.isType<double>());
+    EXPECT_EQ(volts.dataOrdering(), ordering);
+    EXPECT_EQ(shapeOf(volts), (std::vector<std::uint64_t>{3, 1000}));
+    for (std::uint64_t i = 0; i < ints.size(); ++i)
+      ASSERT_EQ(volts.at<double>(i), millivolt.convertTo(volt, double(ints[i]))) << i;
+  }
+  // The cast is the variant's own, also for the largest unsigned value.
+  VxVariant const huge(std::vector<std::uint64_t>{~std::uint64_t(0), 3});
+  EXPECT_EQ(kelvinByType.convertElements(kelvinByType, huge).at<double>(0),
+            huge.convertTo(wellKnownTypeOf<double>(), conversionCast).at<double>(0));
+  EXPECT_EQ(shapeOf(millivolt.convertElements(volt, VxVariant::withShape<std::int8_t>({0, 4}))),
+            (std::vector<std::uint64_t>{0, 4}));
+}
+
+TEST(UnitConvertElements, ComplexAndLogarithmicElements) {
+  VxVariant const z(std::vector<Complex<std::int32_t>>{{1, 2}, {-3, 4}});
+  VxVariant const kelvins = celsiusByType.convertElements(kelvinByType, z);
+  ASSERT_TRUE(kelvins.isType<std::complex<double>>());
+  EXPECT_EQ(kelvins.at<std::complex<double>>(0), std::complex<double>(274.15, 275.15));
+  EXPECT_EQ(kelvins.at<std::complex<double>>(1), std::complex<double>(-3 + 273.15, 4 + 273.15));
+
+  VxVariant const logs = watt.convertElements(dBm, VxVariant(std::vector<double>{1.0, 0.0, 0.001}));
+  EXPECT_DOUBLE_EQ(logs.at<double>(0), 30.0);
+  EXPECT_DOUBLE_EQ(logs.at<double>(1), -3000.0);
+  EXPECT_DOUBLE_EQ(logs.at<double>(2), 0.0);
+  VxVariant const watts = dBm.convertElements(watt, VxVariant(std::vector<std::int8_t>{0, 30, -30}));
+  EXPECT_DOUBLE_EQ(watts.at<double>(0), 0.001);
+  EXPECT_DOUBLE_EQ(watts.at<double>(1), 1.0);
+  EXPECT_DOUBLE_EQ(watts.at<double>(2), 1e-6);
+}
+
+TEST(UnitConvertElements, FailuresCarryTheVariantMessages) {
+  EXPECT_THAT([] { volt.convertElements(watt, VxVariant(1.0)); },
+              throws("To units are not commensurable - from: V to W"));
+  EXPECT_THAT(
+      [] {
+        millivolt.convertElements(volt, VxVariant(std::vector<VxString>{"1", "2"}));
+      },
+      throws("Failed convering units from mV to V"));
+  EXPECT_THAT([] { celsiusByType.convertElements(kelvinByType, VxVariant()); },
+              throws("Failed convering units from K to K"));
 }
 
 }  // namespace

@@ -32,11 +32,7 @@ VxVariant convertElements(VxVariant const &value, Unit const &from, Unit const &
   WellKnownType const kind = value.wellKnownDataType();
   if (!isNumberKind(kind))
     throw std::invalid_argument("the values are of kind " + std::string(kind.toString()) + ", not numbers");
-  // The whole-array conversion passes values through untouched when both units have the same SI text
-  // ("km/h" and "m/s"). A source text that no unit has makes it apply scale and offset every time.
-  Unit source = from;
-  source.setSiUnits(VxString("\x01"));
-  return source.convertTo(to, value);
+  return from.convertElements(to, value);
 }
 
 std::string numberText(double value) {

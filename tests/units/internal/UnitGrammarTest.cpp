@@ -122,6 +122,29 @@ TEST(UnitTextGrammar, ScalesTypesAndLogMultipliers) {
   EXPECT_NE(1000.0 * (1000.0 * 1e-9), (1000.0 * 1000.0) * 1e-9);
 }
 
+// The Greek mu reads as the micro sign wherever that is a prefix, and is refused where that is.
+TEST(UnitTextGrammar, GreekMuIsTheMicroPrefix) {
+  std::string const mu = "\u03BC";
+  for (std::string const &pattern :
+       std::vector<std::string>{"@V", "@m^2", "kg/(@s*A)", "dB(@V)", "log(@W)"}) {
+    std::string greek = pattern, sign = pattern;
+    greek.replace(greek.find('@'), 1, mu);
+    sign.replace(sign.find('@'), 1, micro);
+    EXPECT_TRUE(validateIviUnitString(greek)) << greek;
+    auto const a = parseUnitsText(greek), b = parseUnitsText(sign);
+    EXPECT_EQ(a.scale, b.scale) << greek;
+    EXPECT_TRUE(a.type == b.type) << greek;
+    EXPECT_EQ(a.logMultiplier, b.logMultiplier) << greek;
+  }
+  for (std::string const &text : {mu, mu + mu + "V", mu + "mol", " " + mu + "V", mu + "V" + mu}) {
+    EXPECT_FALSE(validateIviUnitString(text)) << text;
+    EXPECT_EQ(parse(text), rejected) << text;
+  }
+  // A digit run past the matched window is followed on the text itself.
+  EXPECT_TRUE(validateIviUnitString(mu + "m^2147483648"));
+  EXPECT_EQ(parse(mu + "m^2147483648"), exponentBeyondInt);
+}
+
 // Texts built from the grammar's own pieces, so that most of them come close to being well-formed.
 RC_GTEST_PROP(UnitTextGrammar, ValidatorAgreesWithParser, ()) {
   static char const *const pieces[] = {"m", "k", "g", "s",  "mol", "\u00B5", "V", "dB(", "log(",   "(", ")",
