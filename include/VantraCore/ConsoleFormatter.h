@@ -85,7 +85,8 @@ class VANTRACORE_API ConsoleFormatter {
   static std::ostream &serialize(FPropertyNode node, std::ostream &out, ConsoleOptions const &options);
 
  private:
-  static std::ostream &variantToStream(VxVariant const &value, std::ostream &out, ConsoleOptions const &options);
+  static std::ostream &variantToStream(VxVariant const &value, std::ostream &out,
+                                       ConsoleOptions const &options);
   static std::ostream &variantToStream(VxVariantAbi const &value, std::ostream &out,
                                        ConsoleOptions const &options);
 };

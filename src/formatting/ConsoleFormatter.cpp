@@ -94,11 +94,13 @@ std::ostream &ConsoleFormatter::serialize(FPropertyNode node, std::ostream &out)
   return drawRoot(out, node, ConsoleOptions());
 }
 
-std::ostream &ConsoleFormatter::serialize(PropertyNode node, std::ostream &out, ConsoleOptions const &options) {
+std::ostream &ConsoleFormatter::serialize(PropertyNode node, std::ostream &out,
+                                          ConsoleOptions const &options) {
   return drawRoot(out, node, options);
 }
 
-std::ostream &ConsoleFormatter::serialize(FPropertyNode node, std::ostream &out, ConsoleOptions const &options) {
+std::ostream &ConsoleFormatter::serialize(FPropertyNode node, std::ostream &out,
+                                          ConsoleOptions const &options) {
   return drawRoot(out, node, options);
 }
 

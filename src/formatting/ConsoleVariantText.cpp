@@ -1,8 +1,8 @@
 #include "ConsoleVariantText.h"
 
 #include <VantraCore/ArrayIndexing.h>
-#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/WellKnownType.h>
+#include <VantraCore/detail/ElementKinds.h>
 
 #include <algorithm>
 #include <charconv>
@@ -27,11 +27,12 @@ using PrintedAs = std::conditional_t<
                                           std::conditional_t<isUnsignedKind(wellKnownTypeOf<T>()),
                                                              std::uint64_t, std::int64_t>>>>;
 
-// Floating numbers as the options ask. A float element came to double exactly, so its shortest text
-// is taken as a float's: 0.1f prints "0.1", not the seventeen digits of the double.
-class NumberText {
+// One printed element: strings quoted, floating numbers as the options ask, the rest through the
+// stream. A float element came to double exactly, so its shortest text is taken as a float's: 0.1f
+// prints "0.1", not the seventeen digits of the double.
+class ElementText {
  public:
-  NumberText(ConsoleOptions const &options, WellKnownType kind)
+  ElementText(ConsoleOptions const &options, WellKnownType kind)
       : m_numbers(options.numbers),
         m_digits(std::clamp(options.significantDigits, 1, 17)),
         m_float(realPartKind(kind) == WellKnownTypeValue::typeFloat) {}
@@ -43,9 +44,10 @@ class NumberText {
     }
     char text[64];
     std::to_chars_result const written =
-        m_numbers == Numbers::significantDigits ? std::to_chars(text, std::end(text), value, std::chars_format::general, m_digits)
-        : m_float                               ? std::to_chars(text, std::end(text), static_cast<float>(value))
-                                                : std::to_chars(text, std::end(text), value);
+        m_numbers == Numbers::significantDigits
+            ? std::to_chars(text, std::end(text), value, std::chars_format::general, m_digits)
+        : m_float ? std::to_chars(text, std::end(text), static_cast<float>(value))
+                  : std::to_chars(text, std::end(text), value);
     out.write(text, written.ptr - text);
   }
   void write(std::ostream &out, std::complex<double> const &value) const {
@@ -132,7 +134,7 @@ auto printable(VxVariantGeneric<Storage> const &shown, VxVariantGeneric<Storage>
 
 template <class Elements>
 void writeElements(std::ostream &out, Elements const &elements, std::uint64_t shown, std::uint64_t left,
-                   bool bracketed, NumberText const &text) {
+                   bool bracketed, ElementText const &text) {
   if (bracketed) out << '[';
   char const *separator = "";
   for (auto it = elements.begin(); it != elements.begin() + shown; ++it) {
@@ -184,7 +186,7 @@ void writeVariant(std::ostream &out, VxVariantGeneric<Storage> const &value, Con
   std::uint64_t const shown = std::min(count, options.maxElements);
   bool const bracketed =
       shown < count || !std::all_of(dims.begin(), dims.end(), [](std::uint64_t size) { return size == 1; });
-  NumberText const text(options, kind);
+  ElementText const text(options, kind);
   findElementKind(
       kind,
       [&](auto tag) {
@@ -197,8 +199,10 @@ void writeVariant(std::ostream &out, VxVariantGeneric<Storage> const &value, Con
       },
       // A kind outside the list (a custom one) goes the way of the signed integers, converted whole.
       [&] {
-        VxVariantGeneric<Storage> const whole = value.convertTo(wellKnownTypeOf<std::int64_t>(), conversionCast);
-        auto const elements = shownElements<std::int64_t>(whole, shown, logical).template asIterable<std::int64_t>();
+        VxVariantGeneric<Storage> const whole =
+            value.convertTo(wellKnownTypeOf<std::int64_t>(), conversionCast);
+        auto const elements =
+            shownElements<std::int64_t>(whole, shown, logical).template asIterable<std::int64_t>();
         writeElements(out, elements, shown, count - shown, bracketed, text);
       });
 }

@@ -34,7 +34,8 @@ ConsoleOptions atMost(std::uint64_t elements) {
   return options;
 }
 
-ConsoleOptions withShapes(ConsoleOptions::Shapes shapes, ConsoleOptions::Order order = ConsoleOptions::Order::storage) {
+ConsoleOptions withShapes(ConsoleOptions::Shapes shapes,
+                          ConsoleOptions::Order order = ConsoleOptions::Order::storage) {
   ConsoleOptions options;
   options.shapes = shapes;
   options.order = order;
@@ -105,10 +106,12 @@ TEST(ConsoleOptions, ShapeAndKindForArraysOfRankTwoOrOnRequest) {
   EXPECT_EQ(drawn(matrix, withShapes(Shapes::rank2AndAbove)), "int32[2x3] [1, 2, 3, 4, 5, 6]");
   EXPECT_EQ(drawn(matrix, withShapes(Shapes::hidden)), "[1, 2, 3, 4, 5, 6]");
   EXPECT_EQ(drawn(VxVariant(std::vector<double>{1, 2}), withShapes(Shapes::rank2AndAbove)), "[1, 2]");
-  EXPECT_EQ(drawn(VxVariant(std::vector<VxString>{"a", "b"}), withShapes(Shapes::always)), "string[2] ['a', 'b']");
+  EXPECT_EQ(drawn(VxVariant(std::vector<VxString>{"a", "b"}), withShapes(Shapes::always)),
+            "string[2] ['a', 'b']");
   EXPECT_EQ(drawn(VxVariant(1.5), withShapes(Shapes::always)), "double 1.5");
   EXPECT_EQ(drawn(VxVariant(std::vector<double>{1.5}), withShapes(Shapes::always)), "double[1] 1.5");
-  EXPECT_EQ(drawn(VxVariant::withShape<std::uint16_t>({2, 0}), withShapes(Shapes::always)), "unsignedInt16[2x0] []");
+  EXPECT_EQ(drawn(VxVariant::withShape<std::uint16_t>({2, 0}), withShapes(Shapes::always)),
+            "unsignedInt16[2x0] []");
   EXPECT_EQ(drawn(VxVariant(), withShapes(Shapes::always)), "null");
 
   ConsoleOptions shapeAndElision = withShapes(Shapes::rank2AndAbove);
@@ -123,7 +126,8 @@ TEST(ConsoleOptions, LogicalOrderReadsColumnMajorArraysRowByRow) {
   VxVariant const matrix(std::vector<std::int32_t>{1, 4, 2, 5, 3, 6}, {2, 3}, DataOrdering::columnMajor);
   EXPECT_EQ(drawn(matrix, ConsoleOptions()), "[1, 4, 2, 5, 3, 6]");
   EXPECT_EQ(drawn(matrix, withShapes(Shapes::rank2AndAbove)), "int32[2x3 column-major] [1, 4, 2, 5, 3, 6]");
-  EXPECT_EQ(drawn(matrix, withShapes(Shapes::rank2AndAbove, Order::logical)), "int32[2x3] [1, 2, 3, 4, 5, 6]");
+  EXPECT_EQ(drawn(matrix, withShapes(Shapes::rank2AndAbove, Order::logical)),
+            "int32[2x3] [1, 2, 3, 4, 5, 6]");
   ConsoleOptions firstFour = withShapes(Shapes::hidden, Order::logical);
   firstFour.maxElements = 4;
   EXPECT_EQ(drawn(matrix, firstFour), "[1, 2, 3, 4, ... 2 more]");
@@ -134,7 +138,8 @@ TEST(ConsoleOptions, LogicalOrderReadsColumnMajorArraysRowByRow) {
     for (int j = 0; j < 2; ++j)
       for (int k = 0; k < 2; ++k)
         cube[static_cast<std::size_t>(i + 2 * j + 4 * k)] = 100 * i + 10 * j + k;
-  EXPECT_EQ(drawn(VxVariant(cube, {2, 2, 2}, DataOrdering::columnMajor), withShapes(Shapes::hidden, Order::logical)),
+  EXPECT_EQ(drawn(VxVariant(cube, {2, 2, 2}, DataOrdering::columnMajor),
+                  withShapes(Shapes::hidden, Order::logical)),
             "[0, 1, 10, 11, 100, 101, 110, 111]");
   // Row-major arrays are already in logical order.
   VxVariant const rows(std::vector<std::int32_t>{1, 2, 3, 4}, {2, 2});
