@@ -41,6 +41,28 @@ void BM_StreamDoubleLoop(benchmark::State &state) {
 }
 BENCHMARK(BM_StreamDoubleLoop)->Unit(benchmark::kMillisecond);
 
+// A 10M-element array drawn as a person would want it on a console: ten elements and the count of the
+// rest. Its cost must not grow with the array (goal: at most 1 ms and 1 KB). int32 elements print
+// through a conversion, which must touch only the ten shown.
+template <class T>
+void BM_ConsoleElidedLongArray(benchmark::State &state) {
+  std::vector<double> const samples = sampleDoubles(10'000'000);
+  VxVariant const value(std::vector<T>(samples.begin(), samples.end()));
+  ConsoleOptions options;
+  options.maxElements = 10;
+  options.numbers = ConsoleOptions::Numbers::shortest;
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    std::ostringstream out;
+    ConsoleFormatter::serialize(value, out, options);
+    bytes = out.str().size();
+    benchmark::DoNotOptimize(out);
+  }
+  state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK_TEMPLATE(BM_ConsoleElidedLongArray, double)->Unit(benchmark::kMicrosecond);
+BENCHMARK_TEMPLATE(BM_ConsoleElidedLongArray, std::int32_t)->Unit(benchmark::kMicrosecond);
+
 // A configuration-sized tree: 100 maps of 10 scalar entries under one root.
 PropertyNode sampleTree() {
   PropertyNode root;

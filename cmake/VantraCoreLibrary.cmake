@@ -8,6 +8,12 @@ file(GLOB_RECURSE VANTRACORE_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src
 file(GLOB_RECURSE VANTRACORE_PUBLIC_HEADERS CONFIGURE_DEPENDS
      ${PROJECT_SOURCE_DIR}/include/VantraCore/*.h)
 
+# The version header is made from the one project version, into the build tree's include directory,
+# which every target that sees the public headers sees too.
+set(VANTRACORE_GENERATED_INCLUDE_DIR ${PROJECT_BINARY_DIR}/include)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/Version.h.in ${VANTRACORE_GENERATED_INCLUDE_DIR}/VantraCore/Version.h @ONLY)
+list(APPEND VANTRACORE_PUBLIC_HEADERS ${VANTRACORE_GENERATED_INCLUDE_DIR}/VantraCore/Version.h)
+
 find_package(Threads REQUIRED)
 
 # Compiled once, linked twice: into the shared library, and into a static archive through which
@@ -18,7 +24,7 @@ set_target_properties(VantraCoreObjects PROPERTIES
   VISIBILITY_INLINES_HIDDEN ON
   POSITION_INDEPENDENT_CODE ON)
 target_include_directories(VantraCoreObjects
-  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${VANTRACORE_GENERATED_INCLUDE_DIR}>
   PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreObjects PUBLIC cxx_std_17)
 target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads
@@ -30,12 +36,14 @@ set_target_properties(VantraCore PROPERTIES OUTPUT_NAME VantraCore-0)
 # The module is known by one name, libVantraCore-0.so, which is also its SONAME.
 target_link_options(VantraCore PRIVATE "LINKER:-soname,libVantraCore-0.so" "LINKER:--no-undefined")
 target_include_directories(VantraCore
-  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${VANTRACORE_GENERATED_INCLUDE_DIR}>
+         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_features(VantraCore PUBLIC cxx_std_17)
 target_link_libraries(VantraCore PUBLIC Threads::Threads)
 
 add_library(VantraCoreInternal STATIC $<TARGET_OBJECTS:VantraCoreObjects>)
-target_include_directories(VantraCoreInternal PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+target_include_directories(VantraCoreInternal
+  PUBLIC ${PROJECT_SOURCE_DIR}/include ${VANTRACORE_GENERATED_INCLUDE_DIR} ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreInternal PUBLIC cxx_std_17)
 target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp nlohmann_json::nlohmann_json)
 

@@ -33,6 +33,7 @@
 #include <VantraCore/UnitString.h>
 #include <VantraCore/UnitType.h>
 #include <VantraCore/VariantCApi.h>
+#include <VantraCore/Version.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>

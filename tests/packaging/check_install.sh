@@ -16,10 +16,18 @@ rm -rf "$work"
 prefix="$work/prefix"
 cmake --install "$build" --prefix "$prefix" >/dev/null
 
-for f in include/VantraCore/VantraCore.h lib/libVantraCore-0.so lib/cmake/VantraCore/VantraCoreConfig.cmake \
+for f in include/VantraCore/VantraCore.h include/VantraCore/Version.h lib/libVantraCore-0.so lib/cmake/VantraCore/VantraCoreConfig.cmake \
          lib/cmake/VantraCore/VantraCoreConfigVersion.cmake lib/pkgconfig/VantraCore-0.pc; do
   [ -e "$prefix/$f" ] || { echo "missing after install: $f"; exit 1; }
 done
+
+# The header, the pkg-config file and the CMake package carry one version.
+version=$(sed -n 's/^#define VANTRACORE_VERSION_STRING "\(.*\)"$/\1/p' "$prefix/include/VantraCore/Version.h")
+pc_version=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --modversion VantraCore-0)
+cmake_version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' "$prefix/lib/cmake/VantraCore/VantraCoreConfigVersion.cmake")
+if [ -z "$version" ] || [ "$pc_version" != "$version" ] || [ "$cmake_version" != "$version" ]; then
+  echo "versions differ: header '$version', pkg-config '$pc_version', CMake package '$cmake_version'"; exit 1
+fi
 
 cmake -S "$consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
