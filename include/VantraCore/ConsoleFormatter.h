@@ -71,7 +71,7 @@ class VANTRACORE_API ConsoleFormatter {
   // The variant's text without a line end.
   template <class Storage>
   static std::ostream &serialize(VxVariantGeneric<Storage> value, std::ostream &out) {
-    return variantToStream(value, out, ConsoleOptions());
+    return variantToStream(value, out);
   }
   static std::ostream &serialize(PropertyNode node, std::ostream &out);
   static std::ostream &serialize(FPropertyNode node, std::ostream &out);
@@ -85,6 +85,9 @@ class VANTRACORE_API ConsoleFormatter {
   static std::ostream &serialize(FPropertyNode node, std::ostream &out, ConsoleOptions const &options);
 
  private:
+  // The two-argument forms stay exported for clients built before the options existed.
+  static std::ostream &variantToStream(VxVariant const &value, std::ostream &out);
+  static std::ostream &variantToStream(VxVariantAbi const &value, std::ostream &out);
   static std::ostream &variantToStream(VxVariant const &value, std::ostream &out,
                                        ConsoleOptions const &options);
   static std::ostream &variantToStream(VxVariantAbi const &value, std::ostream &out,

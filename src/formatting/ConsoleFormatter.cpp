@@ -74,6 +74,14 @@ std::ostream &drawRoot(std::ostream &out, Node const &node, ConsoleOptions const
 
 }  // namespace
 
+std::ostream &ConsoleFormatter::variantToStream(VxVariant const &value, std::ostream &out) {
+  return variantToStream(value, out, ConsoleOptions());
+}
+
+std::ostream &ConsoleFormatter::variantToStream(VxVariantAbi const &value, std::ostream &out) {
+  return variantToStream(value, out, ConsoleOptions());
+}
+
 std::ostream &ConsoleFormatter::variantToStream(VxVariant const &value, std::ostream &out,
                                                 ConsoleOptions const &options) {
   Internal::writeConsoleVariant(out, value, options);

@@ -89,23 +89,6 @@ constexpr decltype(auto) dispatchNumericType(WellKnownType type, F &&f) {
   throwNotANumericType();
 }
 
-// Calls f(TypeTag<T>{}) for the element kind T of `type` and returns its result, e.g.
-//   dispatchWellKnownType(type, [&](auto tag) { using T = typename decltype(tag)::type; ... });
-// f must return the same type for every kind. The selection is that of the chain bool, Complex<bool>,
-// any code with a numeric base into dispatchNumericType, string, duration, timestamp: a code with a
-// numeric base that names no kind throws std::runtime_error "not a numeric type", any other code
-// (customType and none among them) "unknown type".
-template <class F>
-constexpr decltype(auto) dispatchWellKnownType(WellKnownType type, F &&f) {
-  switch (static_cast<std::uint16_t>(type.value())) {
-    VANTRACORE_ELEMENT_KINDS(VANTRACORE_ELEMENT_KIND_CASE)
-    default:
-      break;
-  }
-  if (hasNumericBase(type)) throwNotANumericType();
-  throwUnknownType();
-}
-
 // As dispatchWellKnownType, but a code that names no element kind returns otherwise().
 template <class F, class Otherwise>
 constexpr decltype(auto) findElementKind(WellKnownType type, F &&f, Otherwise &&otherwise) {
@@ -117,6 +100,21 @@ constexpr decltype(auto) findElementKind(WellKnownType type, F &&f, Otherwise &&
       break;
   }
   return otherwise();
+}
+
+// Calls f(TypeTag<T>{}) for the element kind T of `type` and returns its result, e.g.
+//   dispatchWellKnownType(type, [&](auto tag) { using T = typename decltype(tag)::type; ... });
+// f must return the same type for every kind. The selection is that of the chain bool, Complex<bool>,
+// any code with a numeric base into dispatchNumericType, string, duration, timestamp: a code with a
+// numeric base that names no kind throws std::runtime_error "not a numeric type", any other code
+// (customType and none among them) "unknown type".
+template <class F>
+constexpr decltype(auto) dispatchWellKnownType(WellKnownType type, F &&f) {
+  using R = typename DispatchResult<F, ElementKinds>::type;
+  return findElementKind(type, f, [type]() -> R {
+    if (hasNumericBase(type)) throwNotANumericType();
+    throwUnknownType();
+  });
 }
 
 #undef VANTRACORE_ELEMENT_KIND_CASE
