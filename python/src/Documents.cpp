@@ -133,7 +133,7 @@ VxString write(py::handle object, std::string const &fidelity, py::object const 
   return text;
 }
 
-py::object load(py::handle source, std::string const &fidelity, std::string const &arrays) {
+py::object load(py::object const &source, std::string const &fidelity, std::string const &arrays) {
   if (isPath(source)) return parse(readFile(source), fidelity, arrays);
   if (!py::hasattr(source, "read")) throw py::type_error("load takes a path or a binary file");
   py::object const content = source.attr("read")();
@@ -141,11 +141,11 @@ py::object load(py::handle source, std::string const &fidelity, std::string cons
   return parse(textOf(content), fidelity, arrays);
 }
 
-py::object loads(py::handle source, std::string const &fidelity, std::string const &arrays) {
+py::object loads(py::object const &source, std::string const &fidelity, std::string const &arrays) {
   return parse(textOf(source), fidelity, arrays);
 }
 
-py::str dumps(py::handle object, std::string const &fidelity, py::object const &indent,
+py::str dumps(py::object const &object, std::string const &fidelity, py::object const &indent,
               std::string const &numbers) {
   VxString const text = write(object, fidelity, indent, numbers);
   PyObject *const decoded =
@@ -154,7 +154,7 @@ py::str dumps(py::handle object, std::string const &fidelity, py::object const &
   return py::reinterpret_steal<py::str>(decoded);
 }
 
-void dump(py::handle object, py::handle target, std::string const &fidelity, py::object const &indent,
+void dump(py::object const &object, py::object const &target, std::string const &fidelity, py::object const &indent,
           std::string const &numbers) {
   bool const toPath = isPath(target);
   if (!toPath && !py::hasattr(target, "write")) throw py::type_error("dump takes a path or a binary file");

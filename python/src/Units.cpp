@@ -39,7 +39,7 @@ Unit unitOf(py::handle unit) {
   throw py::type_error("a unit is a vantracore.Unit or its text");
 }
 
-py::object convert(py::handle values, py::handle from, py::handle to) {
+py::object convert(py::object const &values, py::object const &from, py::object const &to) {
   Unit const source = unitOf(from);
   Unit const target = unitOf(to);
   py::array const array = py::module_::import("numpy").attr("asarray")(values);
