@@ -49,10 +49,21 @@ bool isPath(py::handle target) {
          py::hasattr(target, "__fspath__");
 }
 
+std::string fileNameOf(py::handle path) {
+  return py::module_::import("os").attr("fsencode")(path).cast<std::string>();
+}
+
+// OSError, or its subclass for the error number, naming the file as Python's own open does.
+void raiseFileError(int error, py::handle path) {
+  if (error == 0) return;
+  errno = error;
+  PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
+  throw py::error_already_set();
+}
+
 // A file's bytes straight into the string the reader takes; the GIL is released meanwhile.
 VxString readFile(py::handle path) {
-  py::object const name = py::module_::import("os").attr("fsencode")(path);
-  std::string const fileName = name.cast<std::string>();
+  std::string const fileName = fileNameOf(path);
   int error = 0;
   VxString text;
   {
@@ -69,16 +80,12 @@ VxString readFile(py::handle path) {
       error = errno;
     }
   }
-  if (error != 0) {
-    errno = error;
-    PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
-    throw py::error_already_set();
-  }
+  raiseFileError(error, path);
   return text;
 }
 
 void writeFile(py::handle path, VxString const &text) {
-  std::string const fileName = py::module_::import("os").attr("fsencode")(path).cast<std::string>();
+  std::string const fileName = fileNameOf(path);
   int error = 0;
   {
     py::gil_scoped_release released;
@@ -86,11 +93,7 @@ void writeFile(py::handle path, VxString const &text) {
     if (file == nullptr || std::fwrite(text.data(), 1, text.length(), file) != text.length()) error = errno;
     if (file != nullptr && std::fclose(file) != 0 && error == 0) error = errno;
   }
-  if (error != 0) {
-    errno = error;
-    PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
-    throw py::error_already_set();
-  }
+  raiseFileError(error, path);
 }
 
 // The bytes of str (as UTF-8) or of any bytes-like object, copied into the reader's string.

@@ -66,6 +66,18 @@ std::vector<std::uint64_t> shapeOf(py::array const &array) {
   return std::vector<std::uint64_t>(array.shape(), array.shape() + array.ndim());
 }
 
+// A value made element by element from a C-ordered array: a scalar when the caller's array had no
+// dimensions.
+template <class T, class Element>
+VxVariant elementwise(py::array const &array, bool scalar, Element const &element) {
+  if (scalar) return VxVariant(element(0));
+  VxVariant result = VxVariant::withShape<T>(shapeOf(array));
+  T *const out = result.mutableStoredData<T>();
+  for (py::ssize_t i = 0; i < array.size(); ++i)
+    out[i] = element(i);
+  return result;
+}
+
 // Timestamps and durations from datetime64 and timedelta64, through their NumPy unit.
 template <class Time>
 VxVariant timeVariant(py::array array) {
@@ -75,31 +87,21 @@ VxVariant timeVariant(py::array array) {
   bool const scalar = array.ndim() == 0;  // ascontiguousarray gives at least one dimension
   array = numpy().attr("ascontiguousarray")(array);
   auto const *steps = static_cast<std::int64_t const *>(array.data());
-  auto const element = [&](py::ssize_t i) { return Time(Duration(countOf(stepsToTicks(steps[i], scale, what)))); };
-  if (scalar) return VxVariant(element(0));
-  VxVariant result = VxVariant::withShape<Time>(shapeOf(array));
-  Time *const out = result.mutableStoredData<Time>();
-  for (py::ssize_t i = 0; i < array.size(); ++i)
-    out[i] = element(i);
-  return result;
+  return elementwise<Time>(array, scalar, [&](py::ssize_t i) {
+    return Time(Duration(countOf(stepsToTicks(steps[i], scale, what))));
+  });
 }
 
 VxVariant stringVariant(py::array array) {
   bool const scalar = array.ndim() == 0;
   array = numpy().attr("ascontiguousarray")(array, "dtype"_a = "O");
   auto *const *items = static_cast<PyObject *const *>(array.data());
-  auto const element = [&](py::ssize_t i) {
+  return elementwise<VxString>(array, scalar, [&](py::ssize_t i) {
     py::handle const item(items[i]);
     if (!PyUnicode_Check(item.ptr()))
       raise(PyExc_TypeError, "a string array holds only str, not " + typeName(item));
     return utf8(item);
-  };
-  if (scalar) return VxVariant(element(0));
-  VxVariant result = VxVariant::withShape<VxString>(shapeOf(array));
-  VxString *const out = result.mutableStoredData<VxString>();
-  for (py::ssize_t i = 0; i < array.size(); ++i)
-    out[i] = element(i);
-  return result;
+  });
 }
 
 VxVariant blockScalar(py::array const &array, WellKnownType kind) {

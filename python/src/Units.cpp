@@ -50,7 +50,8 @@ py::object convert(py::object const &values, py::object const &from, py::object 
     py::gil_scoped_release released;
     result = convertElements(source, target, input);
   }
-  return valueToPython(result, true);
+  // A fresh array is the caller's to write; one that still is the input's block is not.
+  return valueToPython(result, result.constStoredData() != input.constStoredData());
 }
 
 // The quantities of the named units, each once, in the order of the first unit named for it.
