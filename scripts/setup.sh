@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, clang and its sanitizer runtimes for the fuzz targets
-# among them, and libc++ for the client that proves the binary boundary against another standard
-# library. Idempotent: does nothing when all are present.
+# among them, libc++ for the client that proves the binary boundary against another standard library,
+# and Debian's Python with pybind11, NumPy and pytest for the Python module. Idempotent: does nothing
+# when all are present.
 set -euo pipefail
 
 packages=(
@@ -10,6 +11,7 @@ packages=(
   libcli11-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
   clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev
+  python3-dev pybind11-dev python3-numpy python3-pytest
 )
 
 missing=()

@@ -44,4 +44,15 @@ if [ -e "$build/tools/vantra/vantra" ]; then
   env -u LD_LIBRARY_PATH "$prefix/bin/vantra" convert "$example" --at channels/0/samples --to V |
     cmp - "$work/converted.json"
 fi
+# The Python module, found by PYTHONPATH alone, must find the installed library by its RUNPATH.
+if ls "$build"/python/vantracore.*.so >/dev/null 2>&1; then
+  site="$prefix/lib/python3/dist-packages"
+  [ -e "$site/vantracore.pyi" ] || { echo "missing after install: vantracore.pyi"; exit 1; }
+  env -u LD_LIBRARY_PATH PYTHONPATH="$site" /usr/bin/python3 -c "
+import os, vantracore
+assert vantracore.__file__.startswith('$site'), vantracore.__file__
+vantracore.Unit('mV')
+loaded = {os.path.realpath(line.split()[-1]) for line in open('/proc/self/maps') if 'libVantraCore-0.so' in line}
+assert loaded == {os.path.realpath('$prefix/lib/libVantraCore-0.so')}, loaded"
+fi
 echo "install check passed"
