@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "JsonReferences.h"
 #include "SampleValues.h"
 
 using namespace Tarvex::VantraCore;
@@ -29,14 +30,7 @@ BENCHMARK(BM_JsonFormatterDoubleArray)->Unit(benchmark::kMillisecond);
 void BM_JsonLibraryDoubleArray(benchmark::State &state) {
   std::vector<double> const values = sampleDoubles(elementCount);
   for (auto _ : state) {
-    nlohmann::json document;
-    nlohmann::json &data = document["_data_"] = nlohmann::json::array();
-    for (double const element : values)
-      data.push_back(element);
-    document["_dataorder_"] = "rowMajor";
-    document["_dimensions_"] = nlohmann::json::array({elementCount});
-    document["_wellknowntype_"] = "double";
-    std::string text = document.dump();
+    std::string text = libraryDoubleDocument(values);
     benchmark::DoNotOptimize(text);
   }
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * elementCount));

@@ -3,6 +3,8 @@
 include(${CMAKE_CURRENT_LIST_DIR}/VantraCoreSanitizers.cmake)
 find_package(utf8cpp CONFIG REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
+# The quick JSON parse; private to the library, so that neither its headers nor the package need it.
+find_package(simdjson CONFIG REQUIRED)
 
 file(GLOB_RECURSE VANTRACORE_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 file(GLOB_RECURSE VANTRACORE_PUBLIC_HEADERS CONFIGURE_DEPENDS
@@ -28,7 +30,7 @@ target_include_directories(VantraCoreObjects
   PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreObjects PUBLIC cxx_std_17)
 target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads
-  PRIVATE VantraCoreWarnings utf8cpp nlohmann_json::nlohmann_json)
+  PRIVATE VantraCoreWarnings utf8cpp nlohmann_json::nlohmann_json simdjson::simdjson)
 
 add_library(VantraCore SHARED $<TARGET_OBJECTS:VantraCoreObjects>)
 add_library(VantraCore::VantraCore ALIAS VantraCore)
@@ -39,13 +41,14 @@ target_include_directories(VantraCore
   PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${VANTRACORE_GENERATED_INCLUDE_DIR}>
          $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_compile_features(VantraCore PUBLIC cxx_std_17)
-target_link_libraries(VantraCore PUBLIC Threads::Threads)
+target_link_libraries(VantraCore PUBLIC Threads::Threads PRIVATE simdjson::simdjson)
 
 add_library(VantraCoreInternal STATIC $<TARGET_OBJECTS:VantraCoreObjects>)
 target_include_directories(VantraCoreInternal
   PUBLIC ${PROJECT_SOURCE_DIR}/include ${VANTRACORE_GENERATED_INCLUDE_DIR} ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreInternal PUBLIC cxx_std_17)
-target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp nlohmann_json::nlohmann_json)
+target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp nlohmann_json::nlohmann_json
+  simdjson::simdjson)
 
 # Hidden visibility keeps our internals private; the version script also keeps the standard
 # library's template instances (which default to visible) out of the dynamic symbol table.

@@ -1,16 +1,25 @@
 // The JSON readers of the three fidelities, variant and tree, on arbitrary text. Whatever a reader accepts
 // its writer must write, and that text must read back to a value that writes the same text again. Failures
-// must be standard exceptions, never crashes.
+// must be standard exceptions, never crashes. Beneath the readers, the quick parse and the library's parse
+// must agree: what the quick one takes, the library takes to the same document, numbers to the bit; what
+// the library alone takes is an integer beyond 64 bits, a byte order mark, or a text cut by a NUL byte.
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
 
+#include <formatting/JsonDocument.h>
+
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cctype>
 
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
+#include <string_view>
 
 using namespace Tarvex::VantraCore;
 
@@ -60,10 +69,64 @@ void readerPair(VxString const &text) {
   roundTrip<Formatter>(text, [](VxString const &t) { return Formatter::deserializePropertyNode(t); });
 }
 
+namespace Json = Tarvex::VantraCore::Internal;
+
+// The library reads a non-negative integer as unsigned, and -0 as a signed zero: the same number.
+bool sameEntry(Json::JsonEntry const &a, Json::JsonEntry const &b) {
+  auto const kind = [](Json::JsonEntry const &entry) {
+    return entry.type == Json::JsonType::integer && entry.integer >= 0 ? Json::JsonType::unsignedInteger
+                                                                       : entry.type;
+  };
+  if (kind(a) != kind(b)) return false;
+  return a.type == Json::JsonType::boolean ? a.boolean == b.boolean : a.unsignedInteger == b.unsignedInteger;
+}
+
+bool sameDocument(Json::JsonDocument const &a, Json::JsonDocument const &b) {
+  return a.strings == b.strings && std::equal(a.entries.begin(), a.entries.end(), b.entries.begin(),
+                                              b.entries.end(), sameEntry);
+}
+
+bool hasIntegerBeyondSixtyFourBits(std::string_view text) {
+  std::size_t digits = 0;
+  for (std::size_t i = 0; i <= text.size(); ++i) {
+    char const c = i < text.size() ? text[i] : ' ';
+    if (std::isdigit(static_cast<unsigned char>(c))) {
+      ++digits;
+    } else if (c == '.' || c == 'e' || c == 'E') {
+      digits = 0;
+      while (i + 1 < text.size() && std::isdigit(static_cast<unsigned char>(text[i + 1])))
+        ++i;
+    } else {
+      if (digits >= 19) return true;
+      digits = 0;
+    }
+  }
+  return false;
+}
+
+void compareParses(std::string_view text) {
+  Json::JsonDocument quick;
+  bool const quickTakes = Json::parseJsonDocumentQuickly(text, text.size(), quick);
+  Json::JsonDocument library;
+  bool libraryTakes = true;
+  try {
+    library = Json::parseJsonDocumentByLibrary(text);
+  } catch (std::invalid_argument const &) {
+    libraryTakes = false;
+  }
+  if (quickTakes && !(libraryTakes && sameDocument(quick, library))) std::abort();
+  if (!quickTakes && libraryTakes) {
+    bool const byteOrderMark = text.substr(0, 3) == "\xEF\xBB\xBF";
+    bool const nul = text.find('\0') != std::string_view::npos;
+    if (!byteOrderMark && !nul && !hasIntegerBeyondSixtyFourBits(text)) std::abort();
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
   VxString const text(reinterpret_cast<char const *>(data), size);
+  compareParses(std::string_view(text.data(), text.length()));
   nlohmann::json const parsed = nlohmann::json::parse(data, data + size, nullptr, false);
   if (!parsed.is_discarded() && asksForHugeShape(parsed)) return 0;
   try {

@@ -5,6 +5,7 @@
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/PropertyPath.h>
 #include <VantraCore/VxVariant.h>
+#include <VantraCore/detail/PropertyMapBuilding.h>
 
 #include <cstddef>
 #include <iosfwd>
@@ -110,7 +111,6 @@ class FPropertyMap {
 
  private:
   std::vector<FPropertyMapEntry> const &entries() const noexcept;
-  static void appendFirst(std::vector<FPropertyMapEntry> &to, InternedString key, FPropertyNode node);
 
   std::shared_ptr<Internal::FPropertyMapData const> m_data;
   VANTRACORE_API static Internal::FPropertyMapData const s_nullMapData;
@@ -269,23 +269,17 @@ inline PropertyList FPropertyList::thaw() const {
 inline FPropertyMap::FPropertyMap(PropertyMap const &map) {
   auto data = std::make_shared<Internal::FPropertyMapData>();
   data->entries.reserve(map.size());
-  for (auto const &entry : map)
-    appendFirst(data->entries, entry.key, FPropertyNode(entry.node));
+  Internal::forFirstOfEachKey(map, [&](PropertyMapEntry const &entry) {
+    data->entries.push_back(FPropertyMapEntry{entry.key, FPropertyNode(entry.node)});
+  });
   m_data = std::move(data);
 }
 inline FPropertyMap::FPropertyMap(std::vector<FPropertyMapEntry> entries) {
   auto data = std::make_shared<Internal::FPropertyMapData>();
   data->entries.reserve(entries.size());
-  for (FPropertyMapEntry &entry : entries)
-    appendFirst(data->entries, entry.key, std::move(entry.node));
+  Internal::forFirstOfEachKey(entries,
+                              [&](FPropertyMapEntry &entry) { data->entries.push_back(std::move(entry)); });
   m_data = std::move(data);
-}
-inline void FPropertyMap::appendFirst(std::vector<FPropertyMapEntry> &to, InternedString key,
-                                      FPropertyNode node) {
-  for (FPropertyMapEntry const &earlier : to) {
-    if (earlier.key == key) return;
-  }
-  to.push_back(FPropertyMapEntry{key, std::move(node)});
 }
 
 inline std::vector<FPropertyMapEntry> const &FPropertyMap::entries() const noexcept {
@@ -315,8 +309,9 @@ inline FPropertyNode const &FPropertyMap::at(InternedString key) const {
 inline PropertyMap FPropertyMap::thaw() const {
   FPropertyMap const keep = *this;
   PropertyMap map;
+  // The frozen map's keys are distinct already.
   for (FPropertyMapEntry const &entry : keep)
-    map.insertOrAssign(entry.key, entry.node.thaw());
+    Internal::PropertyMapAccess::appendDistinct(map, entry.key, entry.node.thaw());
   return map;
 }
 

@@ -6,9 +6,16 @@
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxVariant.h>
 
+#include <cstdint>
 #include <iosfwd>
 
 namespace Tarvex::VantraCore {
+
+// How the writers of every fidelity print a floating number. fifteenDigits: 15 significant digits, a
+// float widened to double first; a double that needs 16 or 17 digits does not read back exactly.
+// shortestRoundTrip: the shortest text that reads back to the same double, or for a float to the same
+// float. Either way zero prints as "0.0" or "-0.0", a non-finite number as null, integers exactly.
+enum class JsonNumberText : std::uint8_t { fifteenDigits, shortestRoundTrip };
 
 // Variants and property trees as JSON documents that keep the element kind, shape, data order and
 // data. Stateless: every member is static.
@@ -27,17 +34,23 @@ class VANTRACORE_API JsonFormatter {
 
   // ---- writing ----
   template <class Storage>
-  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1) {
-    return variantText(value, indent);
+  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    return variantText(value, indent, numbers);
   }
   template <class Storage>
-  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1) {
-    variantToStream(value, out, indent);
+  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    variantToStream(value, out, indent, numbers);
   }
-  static VxString serialize(PropertyNode node, int indent = -1);
-  static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
-  static VxString serialize(FPropertyNode node, int indent = -1);
-  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(PropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(PropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static VxString serialize(FPropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
 
   // ---- reading ----
   // The strict readers of the documents above; each parses the whole input, which must hold exactly
@@ -51,10 +64,11 @@ class VANTRACORE_API JsonFormatter {
 
  private:
   // The templates above for each variant flavour.
-  static VxString variantText(VxVariant const &value, int indent);
-  static VxString variantText(VxVariantAbi const &value, int indent);
-  static void variantToStream(VxVariant const &value, std::ostream &out, int indent);
-  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent);
+  static VxString variantText(VxVariant const &value, int indent, JsonNumberText numbers);
+  static VxString variantText(VxVariantAbi const &value, int indent, JsonNumberText numbers);
+  static void variantToStream(VxVariant const &value, std::ostream &out, int indent, JsonNumberText numbers);
+  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent,
+                              JsonNumberText numbers);
 };
 
 }  // namespace Tarvex::VantraCore

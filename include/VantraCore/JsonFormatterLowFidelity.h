@@ -2,6 +2,7 @@
 
 #include <VantraCore/Export.h>
 #include <VantraCore/FPropertyNode.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxVariant.h>
@@ -32,17 +33,23 @@ class VANTRACORE_API JsonFormatterLowFidelity {
 
   // ---- writing ----
   template <class Storage>
-  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1) {
-    return variantText(value, indent);
+  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    return variantText(value, indent, numbers);
   }
   template <class Storage>
-  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1) {
-    variantToStream(value, out, indent);
+  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    variantToStream(value, out, indent, numbers);
   }
-  static VxString serialize(PropertyNode node, int indent = -1);
-  static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
-  static VxString serialize(FPropertyNode node, int indent = -1);
-  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(PropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(PropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static VxString serialize(FPropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
 
   // ---- reading ----
   // Syntax errors as JsonFormatter.
@@ -53,10 +60,11 @@ class VANTRACORE_API JsonFormatterLowFidelity {
 
  private:
   // The templates above for each variant flavour.
-  static VxString variantText(VxVariant const &value, int indent);
-  static VxString variantText(VxVariantAbi const &value, int indent);
-  static void variantToStream(VxVariant const &value, std::ostream &out, int indent);
-  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent);
+  static VxString variantText(VxVariant const &value, int indent, JsonNumberText numbers);
+  static VxString variantText(VxVariantAbi const &value, int indent, JsonNumberText numbers);
+  static void variantToStream(VxVariant const &value, std::ostream &out, int indent, JsonNumberText numbers);
+  static void variantToStream(VxVariantAbi const &value, std::ostream &out, int indent,
+                              JsonNumberText numbers);
 };
 
 }  // namespace Tarvex::VantraCore

@@ -30,17 +30,23 @@ class VANTRACORE_API JsonFormatterMidFidelity {
 
   // ---- writing: exactly as JsonFormatter ----
   template <class Storage>
-  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1) {
-    return JsonFormatter::serialize(std::move(value), indent);
+  static VxString serialize(VxVariantGeneric<Storage> value, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    return JsonFormatter::serialize(std::move(value), indent, numbers);
   }
   template <class Storage>
-  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1) {
-    JsonFormatter::serialize(std::move(value), out, indent);
+  static void serialize(VxVariantGeneric<Storage> value, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits) {
+    JsonFormatter::serialize(std::move(value), out, indent, numbers);
   }
-  static VxString serialize(PropertyNode node, int indent = -1);
-  static void serialize(PropertyNode node, std::ostream &out, int indent = -1);
-  static VxString serialize(FPropertyNode node, int indent = -1);
-  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1);
+  static VxString serialize(PropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(PropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static VxString serialize(FPropertyNode node, int indent = -1,
+                            JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  static void serialize(FPropertyNode node, std::ostream &out, int indent = -1,
+                        JsonNumberText numbers = JsonNumberText::fifteenDigits);
 
   // ---- reading ----
   // Syntax errors as JsonFormatter; a wrong JSON type of a metadata member throws std::domain_error

@@ -27,6 +27,8 @@ struct PropertyMapEntry;
 
 namespace Internal {
 
+struct PropertyMapAccess;
+
 // The sequence operations that lists and maps share, over their one field, a standard vector.
 template <class Item>
 class PropertySequence {
@@ -100,6 +102,7 @@ class PropertyMap : public Internal::PropertySequence<PropertyMapEntry> {
 
  private:
   friend class PropertyNode;
+  friend struct Internal::PropertyMapAccess;
   [[noreturn]] static void throwKeyNotFound(InternedString key);
 };
 

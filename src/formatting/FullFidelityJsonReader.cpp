@@ -5,7 +5,6 @@
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
 
-#include <cfloat>
 #include <cmath>
 #include <complex>
 #include <limits>
@@ -34,7 +33,10 @@ T fromFloating(double value) {
   if constexpr (std::is_same_v<T, double>) {
     return value;
   } else if constexpr (std::is_same_v<T, float>) {
-    if (std::fabs(value) > FLT_MAX) return value < 0 ? -HUGE_VALF : HUGE_VALF;
+    // Beyond the largest float, values still round to it up to the midpoint towards the next power of
+    // two; only from there on is the float infinite. The shortest text of the largest float lies there.
+    constexpr double roundsToInfinity = 0x1.ffffffp+127;
+    if (std::fabs(value) >= roundsToInfinity) return value < 0 ? -HUGE_VALF : HUGE_VALF;
     return static_cast<float>(value);
   } else {
     constexpr double twoTo63 = 9223372036854775808.0;

@@ -3,12 +3,14 @@
 #include <VantraCore/InternedString.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
+#include <VantraCore/detail/PropertyMapBuilding.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -51,9 +53,17 @@ struct JsonDocument {
 inline constexpr std::size_t jsonReaderMaxDepth = 1000;
 
 // Exactly one JSON value, else std::invalid_argument "parse error ..."; "stream error" for a stream
-// that is not good at the start.
+// that is not good at the start. The quick parse reads the text; what it refuses, the library's parse
+// reads once more, to word the refusal or to take what only it reads (integers beyond 64 bits, numbers
+// beyond the range of double).
 JsonDocument parseJsonDocument(std::istream &in);
 JsonDocument parseJsonDocument(VxString const &text);
+
+// The two parses behind parseJsonDocument. The quick one fills `document` and says whether it took
+// the text; it reads past the text's end up to `capacity` bytes, and copies a text with too little room
+// behind it. The library's parse takes a NUL byte for the end of the text.
+bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonDocument &document);
+JsonDocument parseJsonDocumentByLibrary(std::string_view text);
 
 // Reads values of a parsed document by entry index; the root is entry 0. Holds references only.
 class JsonCursor {
@@ -99,10 +109,13 @@ class JsonCursor {
   // A map of child(value) for each member of an object, under its interned key.
   template <class Child>
   PropertyNode map(std::size_t object, Child const &child) const {
-    PropertyNode result{PropertyMap()};
-    for (auto const &[key, value] : members(object))
-      result.set(InternedString(key->data(), key->size()), child(value));
-    return result;
+    PropertyMap result;
+    auto const named = members(object);
+    result.reserve(named.size());
+    // members() gives each key once.
+    for (auto const &[key, value] : named)
+      PropertyMapAccess::appendDistinct(result, InternedString(key->data(), key->size()), child(value));
+    return PropertyNode(std::move(result));
   }
 
  private:

@@ -3,13 +3,14 @@
 #include <nlohmann/json.hpp>
 
 #include <cstring>
-#include <istream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-// The parse stage: the JSON library's parser fills the flat document through its event interface.
+// The library's parse: the JSON library's parser fills the flat document through its event interface.
+// Slower than the quick parse, it words every refusal; nesting beyond the limit is refused here too.
 namespace Tarvex::VantraCore::Internal {
 namespace {
 
@@ -104,18 +105,10 @@ class DocumentBuilder {
 
 }  // namespace
 
-JsonDocument parseJsonDocument(std::istream &in) {
-  if (!in.good()) throw std::invalid_argument("stream error");
+JsonDocument parseJsonDocumentByLibrary(std::string_view text) {
   JsonDocument document;
   DocumentBuilder builder(document);
-  nlohmann::json::sax_parse(in, &builder);
-  return document;
-}
-
-JsonDocument parseJsonDocument(VxString const &text) {
-  JsonDocument document;
-  DocumentBuilder builder(document);
-  nlohmann::json::sax_parse(text.data(), text.data() + text.length(), &builder);
+  nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder);
   return document;
 }
 

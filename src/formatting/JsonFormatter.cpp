@@ -1,8 +1,8 @@
 #include <VantraCore/JsonFormatter.h>
 
 #include <VantraCore/Complex.h>
-#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
+#include <VantraCore/detail/ElementKinds.h>
 
 #include <formatting/FullFidelityJsonReader.h>
 #include <formatting/JsonDocument.h>
@@ -128,36 +128,42 @@ void writeFullVariant(JsonTextWriter &out, VxVariant const &value) {
 
 }  // namespace
 
-VxString JsonFormatter::variantText(VxVariant const &value, int indent) {
-  return jsonText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
+VxString JsonFormatter::variantText(VxVariant const &value, int indent, JsonNumberText numbers) {
+  return jsonText(indent, numbers, [&](JsonTextWriter &out) { writeVariant(out, value); });
 }
 
-VxString JsonFormatter::variantText(VxVariantAbi const &value, int indent) {
-  return jsonText(indent, [&](JsonTextWriter &out) { writeVariant(out, value); });
+VxString JsonFormatter::variantText(VxVariantAbi const &value, int indent, JsonNumberText numbers) {
+  return jsonText(indent, numbers, [&](JsonTextWriter &out) { writeVariant(out, value); });
 }
 
-void JsonFormatter::variantToStream(VxVariant const &value, std::ostream &out, int indent) {
-  jsonToStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
+void JsonFormatter::variantToStream(VxVariant const &value, std::ostream &out, int indent,
+                                    JsonNumberText numbers) {
+  jsonToStream(out, indent, numbers, [&](JsonTextWriter &text) { writeVariant(text, value); });
 }
 
-void JsonFormatter::variantToStream(VxVariantAbi const &value, std::ostream &out, int indent) {
-  jsonToStream(out, indent, [&](JsonTextWriter &text) { writeVariant(text, value); });
+void JsonFormatter::variantToStream(VxVariantAbi const &value, std::ostream &out, int indent,
+                                    JsonNumberText numbers) {
+  jsonToStream(out, indent, numbers, [&](JsonTextWriter &text) { writeVariant(text, value); });
 }
 
-VxString JsonFormatter::serialize(PropertyNode node, int indent) {
-  return jsonText(indent, [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
+VxString JsonFormatter::serialize(PropertyNode node, int indent, JsonNumberText numbers) {
+  return jsonText(indent, numbers,
+                  [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
 }
 
-void JsonFormatter::serialize(PropertyNode node, std::ostream &out, int indent) {
-  jsonToStream(out, indent, [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
+void JsonFormatter::serialize(PropertyNode node, std::ostream &out, int indent, JsonNumberText numbers) {
+  jsonToStream(out, indent, numbers,
+               [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
-VxString JsonFormatter::serialize(FPropertyNode node, int indent) {
-  return jsonText(indent, [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
+VxString JsonFormatter::serialize(FPropertyNode node, int indent, JsonNumberText numbers) {
+  return jsonText(indent, numbers,
+                  [&](JsonTextWriter &out) { Internal::writeNode(out, node, writeFullVariant); });
 }
 
-void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent) {
-  jsonToStream(out, indent, [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
+void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent, JsonNumberText numbers) {
+  jsonToStream(out, indent, numbers,
+               [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
 VxVariant JsonFormatter::deserializeVxVariant(std::istream &in) {

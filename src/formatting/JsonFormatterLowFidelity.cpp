@@ -1,7 +1,7 @@
 #include <VantraCore/JsonFormatterLowFidelity.h>
 
-#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/Time.h>
+#include <VantraCore/detail/ElementKinds.h>
 
 #include <formatting/ForeignJsonReader.h>
 #include <formatting/JsonDocument.h>
@@ -108,39 +108,44 @@ void writePlainValue(JsonTextWriter &out, VxVariant const &value) {
 
 }  // namespace
 
-VxString JsonFormatterLowFidelity::variantText(VxVariant const &value, int indent) {
-  return Internal::jsonText(indent, [&](JsonTextWriter &out) { writePlainVariant(out, value); });
+VxString JsonFormatterLowFidelity::variantText(VxVariant const &value, int indent, JsonNumberText numbers) {
+  return Internal::jsonText(indent, numbers, [&](JsonTextWriter &out) { writePlainVariant(out, value); });
 }
 
-VxString JsonFormatterLowFidelity::variantText(VxVariantAbi const &value, int indent) {
-  return Internal::jsonText(indent, [&](JsonTextWriter &out) { writePlainVariant(out, value); });
+VxString JsonFormatterLowFidelity::variantText(VxVariantAbi const &value, int indent,
+                                               JsonNumberText numbers) {
+  return Internal::jsonText(indent, numbers, [&](JsonTextWriter &out) { writePlainVariant(out, value); });
 }
 
-void JsonFormatterLowFidelity::variantToStream(VxVariant const &value, std::ostream &out, int indent) {
-  Internal::jsonToStream(out, indent, [&](JsonTextWriter &text) { writePlainVariant(text, value); });
+void JsonFormatterLowFidelity::variantToStream(VxVariant const &value, std::ostream &out, int indent,
+                                               JsonNumberText numbers) {
+  Internal::jsonToStream(out, indent, numbers, [&](JsonTextWriter &text) { writePlainVariant(text, value); });
 }
 
-void JsonFormatterLowFidelity::variantToStream(VxVariantAbi const &value, std::ostream &out, int indent) {
-  Internal::jsonToStream(out, indent, [&](JsonTextWriter &text) { writePlainVariant(text, value); });
+void JsonFormatterLowFidelity::variantToStream(VxVariantAbi const &value, std::ostream &out, int indent,
+                                               JsonNumberText numbers) {
+  Internal::jsonToStream(out, indent, numbers, [&](JsonTextWriter &text) { writePlainVariant(text, value); });
 }
 
-VxString JsonFormatterLowFidelity::serialize(PropertyNode node, int indent) {
-  return Internal::jsonText(indent,
+VxString JsonFormatterLowFidelity::serialize(PropertyNode node, int indent, JsonNumberText numbers) {
+  return Internal::jsonText(indent, numbers,
                             [&](JsonTextWriter &out) { Internal::writeNode(out, node, writePlainValue); });
 }
 
-void JsonFormatterLowFidelity::serialize(PropertyNode node, std::ostream &out, int indent) {
-  Internal::jsonToStream(out, indent,
+void JsonFormatterLowFidelity::serialize(PropertyNode node, std::ostream &out, int indent,
+                                         JsonNumberText numbers) {
+  Internal::jsonToStream(out, indent, numbers,
                          [&](JsonTextWriter &text) { Internal::writeNode(text, node, writePlainValue); });
 }
 
-VxString JsonFormatterLowFidelity::serialize(FPropertyNode node, int indent) {
-  return Internal::jsonText(indent,
+VxString JsonFormatterLowFidelity::serialize(FPropertyNode node, int indent, JsonNumberText numbers) {
+  return Internal::jsonText(indent, numbers,
                             [&](JsonTextWriter &out) { Internal::writeNode(out, node, writePlainValue); });
 }
 
-void JsonFormatterLowFidelity::serialize(FPropertyNode node, std::ostream &out, int indent) {
-  Internal::jsonToStream(out, indent,
+void JsonFormatterLowFidelity::serialize(FPropertyNode node, std::ostream &out, int indent,
+                                         JsonNumberText numbers) {
+  Internal::jsonToStream(out, indent, numbers,
                          [&](JsonTextWriter &text) { Internal::writeNode(text, node, writePlainValue); });
 }
 

@@ -7,20 +7,22 @@
 
 namespace Tarvex::VantraCore {
 
-VxString JsonFormatterMidFidelity::serialize(PropertyNode node, int indent) {
-  return JsonFormatter::serialize(std::move(node), indent);
+VxString JsonFormatterMidFidelity::serialize(PropertyNode node, int indent, JsonNumberText numbers) {
+  return JsonFormatter::serialize(std::move(node), indent, numbers);
 }
 
-void JsonFormatterMidFidelity::serialize(PropertyNode node, std::ostream &out, int indent) {
-  JsonFormatter::serialize(std::move(node), out, indent);
+void JsonFormatterMidFidelity::serialize(PropertyNode node, std::ostream &out, int indent,
+                                         JsonNumberText numbers) {
+  JsonFormatter::serialize(std::move(node), out, indent, numbers);
 }
 
-VxString JsonFormatterMidFidelity::serialize(FPropertyNode node, int indent) {
-  return JsonFormatter::serialize(std::move(node), indent);
+VxString JsonFormatterMidFidelity::serialize(FPropertyNode node, int indent, JsonNumberText numbers) {
+  return JsonFormatter::serialize(std::move(node), indent, numbers);
 }
 
-void JsonFormatterMidFidelity::serialize(FPropertyNode node, std::ostream &out, int indent) {
-  JsonFormatter::serialize(std::move(node), out, indent);
+void JsonFormatterMidFidelity::serialize(FPropertyNode node, std::ostream &out, int indent,
+                                         JsonNumberText numbers) {
+  JsonFormatter::serialize(std::move(node), out, indent, numbers);
 }
 
 VxVariant JsonFormatterMidFidelity::deserializeVxVariant(std::istream &in) {

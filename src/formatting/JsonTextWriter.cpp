@@ -155,7 +155,23 @@ void JsonTextWriter::key(std::string_view name) {
   m_afterKey = true;
 }
 
+template <class Floating>
+void JsonTextWriter::shortestNumber(Floating value) {
+  if (!std::isfinite(value)) return null();
+  if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
+  beforeValue();
+  char *const digits = m_text.room(32);
+  std::to_chars_result const end = std::to_chars(digits, digits + 32, value);
+  m_text.advance(static_cast<std::size_t>(end.ptr - digits));
+}
+
+void JsonTextWriter::number(float value) {
+  if (m_shortest) return shortestNumber(value);
+  number(static_cast<double>(value));
+}
+
 void JsonTextWriter::number(double value) {
+  if (m_shortest) return shortestNumber(value);
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
   // %.15g, as a stream at precision 15 in the classic locale prints it.

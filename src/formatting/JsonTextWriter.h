@@ -1,5 +1,7 @@
 #pragma once
 
+#include <VantraCore/JsonFormatter.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -54,7 +56,8 @@ class TextBuffer {
 
 class JsonTextWriter {
  public:
-  explicit JsonTextWriter(int indent) : m_indent(indent < 0 ? -1 : indent) {}
+  explicit JsonTextWriter(int indent, JsonNumberText numbers = JsonNumberText::fifteenDigits)
+      : m_indent(indent < 0 ? -1 : indent), m_shortest(numbers == JsonNumberText::shortestRoundTrip) {}
 
   std::string_view text() const noexcept { return m_text.view(); }
   void reserve(std::size_t bytes) { m_text.reserve(bytes); }
@@ -70,6 +73,7 @@ class JsonTextWriter {
   void boolean(bool value) { literal(value ? "true" : "false"); }
   // Non-finite numbers are written as null.
   void number(double value);
+  void number(float value);
   void integer(std::int64_t value);
   void unsignedInteger(std::uint64_t value);
   void string(std::string_view value);
@@ -100,8 +104,12 @@ class JsonTextWriter {
   void close(char bracket);
   void appendQuoted(std::string_view value);
 
+  template <class Floating>
+  void shortestNumber(Floating value);
+
   TextBuffer m_text;
   int m_indent;
+  bool m_shortest;
   // Per open container: whether nothing has been written into it yet.
   std::vector<bool> m_empty;
   bool m_afterKey = false;

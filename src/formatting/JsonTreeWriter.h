@@ -23,7 +23,7 @@ void writeElement(JsonTextWriter &out, T value) {
   if constexpr (std::is_same_v<T, bool>) {
     out.boolean(value);
   } else if constexpr (std::is_floating_point_v<T>) {
-    out.number(static_cast<double>(value));
+    out.number(value);
   } else if constexpr (std::is_signed_v<T>) {
     out.integer(value);
   } else {
@@ -81,15 +81,15 @@ void writeNode(JsonTextWriter &out, Node const &node, WriteValue const &writeVal
 
 // The whole text is built before any of it is handed over, so a failure leaves a stream untouched.
 template <class Write>
-VxString jsonText(int indent, Write const &write) {
-  JsonTextWriter out(indent);
+VxString jsonText(int indent, JsonNumberText numbers, Write const &write) {
+  JsonTextWriter out(indent, numbers);
   write(out);
   return VxString(out.text().data(), out.text().size());
 }
 
 template <class Write>
-void jsonToStream(std::ostream &stream, int indent, Write const &write) {
-  JsonTextWriter out(indent);
+void jsonToStream(std::ostream &stream, int indent, JsonNumberText numbers, Write const &write) {
+  JsonTextWriter out(indent, numbers);
   write(out);
   stream.write(out.text().data(), static_cast<std::streamsize>(out.text().size()));
 }

@@ -1,0 +1,106 @@
+#include <VantraCore/JsonFormatter.h>
+#include <VantraCore/JsonFormatterLowFidelity.h>
+#include <VantraCore/JsonFormatterMidFidelity.h>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <sstream>
+#include <vector>
+
+using namespace Tarvex::VantraCore;
+
+namespace {
+
+constexpr JsonNumberText shortest = JsonNumberText::shortestRoundTrip;
+
+template <class T>
+std::vector<T> readBack(std::vector<T> const &values) {
+  VxVariant const back =
+      JsonFormatter::deserializeVxVariant(JsonFormatter::serialize(VxVariant(values), -1, shortest));
+  std::vector<T> result;
+  for (std::size_t i = 0; i < values.size(); ++i)
+    result.push_back(back.at<T>(i));
+  return result;
+}
+
+template <class T>
+bool sameBits(std::vector<T> const &a, std::vector<T> const &b) {
+  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0;
+}
+
+template <class T>
+std::vector<T> edgeValues() {
+  using Limits = std::numeric_limits<T>;
+  return {Limits::max(),
+          Limits::lowest(),
+          Limits::min(),
+          -Limits::min(),
+          Limits::denorm_min(),
+          -Limits::denorm_min(),
+          Limits::min() / 3,
+          T(0.1),
+          T(1) / T(3),
+          T(-0.0),
+          T(0),
+          T(1e20),
+          T(123456789)};
+}
+
+template <class T, class Bits>
+std::vector<T> finiteFromBits(std::vector<Bits> const &patterns) {
+  std::vector<T> values;
+  for (Bits const pattern : patterns) {
+    T value;
+    std::memcpy(&value, &pattern, sizeof value);
+    if (std::isfinite(value)) values.push_back(value);
+  }
+  return values;
+}
+
+}  // namespace
+
+RC_GTEST_PROP(JsonLosslessNumbers, EveryFiniteDoubleReadsBackBitIdentical, (std::vector<std::uint64_t> bits)) {
+  std::vector<double> const values = finiteFromBits<double>(bits);
+  RC_PRE(!values.empty());
+  RC_ASSERT(sameBits(readBack(values), values));
+}
+
+RC_GTEST_PROP(JsonLosslessNumbers, EveryFiniteFloatReadsBackBitIdentical, (std::vector<std::uint32_t> bits)) {
+  std::vector<float> const values = finiteFromBits<float>(bits);
+  RC_PRE(!values.empty());
+  RC_ASSERT(sameBits(readBack(values), values));
+}
+
+TEST(JsonLosslessNumbers, SubnormalsAndExtremesReadBackBitIdentical) {
+  EXPECT_TRUE(sameBits(readBack(edgeValues<double>()), edgeValues<double>()));
+  EXPECT_TRUE(sameBits(readBack(edgeValues<float>()), edgeValues<float>()));
+}
+
+TEST(JsonLosslessNumbers, TextIsShortestAndOtherwiseAsFifteenDigits) {
+  VxVariant const doubles(std::vector<double>{0.1, 0.30000000000000004, 1e20, 1, -0.0, 5e-324, NAN});
+  EXPECT_EQ(JsonFormatter::serialize(doubles, -1, shortest),
+            R"({"_data_":[0.1,0.30000000000000004,1e+20,1,-0.0,5e-324,null],"_dataorder_":"rowMajor",)"
+            R"("_dimensions_":[7],"_wellknowntype_":"double"})");
+  EXPECT_EQ(JsonFormatter::serialize(doubles),
+            JsonFormatter::serialize(doubles, -1, JsonNumberText::fifteenDigits));
+  EXPECT_EQ(JsonFormatterLowFidelity::serialize(VxVariant(0.1f), -1, shortest), "0.1");
+  EXPECT_EQ(JsonFormatterLowFidelity::serialize(VxVariant(0.1f)), "0.100000001490116");
+  EXPECT_EQ(JsonFormatterMidFidelity::serialize(VxVariant(std::int64_t(-9007199254740993)), -1, shortest),
+            R"({"_data_":-9007199254740993,"_wellknowntype_":"int64"})");
+
+  PropertyNode tree;
+  tree.set("c", VxVariant(std::complex<float>(0.1f, 2.5f)));
+  tree.set("x", VxVariant(0.30000000000000004));
+  std::ostringstream stream;
+  JsonFormatter::serialize(tree, stream, -1, shortest);
+  EXPECT_EQ(stream.str(), R"({"c":{"_data_":{"im":2.5,"re":0.1},"_wellknowntype_":"complexFloat"},)"
+                          R"("x":{"_data_":0.30000000000000004,"_wellknowntype_":"double"}})");
+  EXPECT_EQ(JsonFormatterLowFidelity::serialize(FPropertyNode(tree), -1, shortest),
+            R"({"c":null,"x":0.30000000000000004})");
+}

@@ -1,0 +1,135 @@
+#include <formatting/JsonDocument.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using namespace Tarvex::VantraCore;
+using namespace Tarvex::VantraCore::Internal;
+
+namespace {
+
+bool quickTakes(std::string const &text, JsonDocument &document) {
+  return parseJsonDocumentQuickly(text, text.size(), document);
+}
+
+bool libraryTakes(std::string const &text, JsonDocument &document) {
+  try {
+    document = parseJsonDocumentByLibrary(text);
+    return true;
+  } catch (std::invalid_argument const &) {
+    return false;
+  }
+}
+
+// The library reads a non-negative integer as unsigned, and -0 as a signed zero: the same number.
+JsonType numberClass(JsonEntry const &entry) {
+  return entry.type == JsonType::integer && entry.integer >= 0 ? JsonType::unsignedInteger : entry.type;
+}
+
+// Entry by entry, numbers by their bits.
+void expectSameDocument(JsonDocument const &a, JsonDocument const &b) {
+  ASSERT_EQ(a.entries.size(), b.entries.size());
+  ASSERT_EQ(a.strings, b.strings);
+  for (std::size_t i = 0; i < a.entries.size(); ++i) {
+    ASSERT_EQ(numberClass(a.entries[i]), numberClass(b.entries[i])) << "entry " << i;
+    EXPECT_EQ(a.entries[i].unsignedInteger, b.entries[i].unsignedInteger) << "entry " << i;
+  }
+}
+
+std::string parseFailure(std::string const &text) {
+  try {
+    parseJsonDocument(VxString(text.data(), text.size()));
+  } catch (std::invalid_argument const &error) {
+    return error.what();
+  }
+  return "accepted";
+}
+
+}  // namespace
+
+// Texts that the grammar allows: both parses give the same document, numbers to the bit.
+TEST(JsonParseRoutes, AgreeOnEveryTextTheGrammarAllows) {
+  std::vector<std::string> const texts = {
+      " \t\r\n[1, -1, 0, -0, 9223372036854775807, 9223372036854775808, 18446744073709551615, "
+      "-9223372036854775808] ",
+      "[0.1, 1e-400, -1e-400, 2.2250738585072011e-308, 4.9e-324, 1.7976931348623157e308, 1E+2, "
+      "123456789012345678901234567890e-10, 0.30000000000000004, "
+      "1.00000000000000011102230246251565404236316680908203125]",
+      R"({"b":[true,false,null],"a":{"":""},"a":"\u00e9\ud83d\ude00\"\\\/\b\f\n\r\t","c":{}})",
+      "\"caf\xC3\xA9 \xF0\x9F\x98\x80\"",
+      "[[[[[]]]],{}]",
+  };
+  for (std::string const &text : texts) {
+    SCOPED_TRACE(text);
+    JsonDocument quick, library;
+    ASSERT_TRUE(quickTakes(text, quick));
+    ASSERT_TRUE(libraryTakes(text, library));
+    expectSameDocument(quick, library);
+  }
+}
+
+// Texts that the grammar refuses: both parses refuse them, and the library words the message.
+TEST(JsonParseRoutes, RefuseEveryTextTheGrammarRefuses) {
+  std::vector<std::string> const texts = {
+      "",           " ",    "01",       "1.",          ".5",          "+1",        "-",        "1e",
+      "0x10",       "NaN",  "Infinity", "[1,]",        "{\"a\":1,}",  "'a'",       "[1 2]",    "{\"a\" 1}",
+      "{1:2}",      "[\f]", "\"\\x\"",  "\"\\ud800\"", "\"\\udc00\"", "\"a\x01\"", "\"\xff\"", "\"\xC0\xAF\"",
+      "\"unclosed", "tru",  "nul",      "[1] x",       "{} {}",       "1e400",     "-1e400",   "[\"a\"\x00]",
+  };
+  for (std::string const &text : texts) {
+    SCOPED_TRACE(text);
+    JsonDocument document;
+    EXPECT_FALSE(quickTakes(text, document));
+    EXPECT_FALSE(libraryTakes(text, document));
+    EXPECT_EQ(parseFailure(text).rfind("parse error", 0), 0u);
+  }
+}
+
+// The quick parse refuses what the library alone reads; the library's reading then stands.
+TEST(JsonParseRoutes, IntegersBeyondSixtyFourBitsAndAByteOrderMarkReadAsBefore) {
+  for (std::string const text :
+       {"[18446744073709551616, -9223372036854775809, 1]", "\xEF\xBB\xBF{\"a\":1}"}) {
+    JsonDocument quick;
+    EXPECT_FALSE(quickTakes(text, quick));
+    JsonDocument library;
+    ASSERT_TRUE(libraryTakes(text, library));
+    expectSameDocument(parseJsonDocument(VxString(text)), library);
+  }
+  JsonDocument const big = parseJsonDocument(VxString("[18446744073709551616]"));
+  EXPECT_EQ(big.entries[1].type, JsonType::floating);
+  EXPECT_EQ(big.entries[1].floating, 18446744073709551616.0);
+}
+
+// The library stops at a NUL byte; the grammar allows nothing but white space behind the value.
+TEST(JsonParseRoutes, RefuseANulByteAfterTheValue) {
+  for (std::string const text :
+       {std::string("123\0", 4), std::string("[1]\0garbage", 11), std::string("{}\n \0", 5)}) {
+    JsonDocument library;
+    EXPECT_TRUE(libraryTakes(text, library));
+    EXPECT_EQ(parseFailure(text).rfind("parse error", 0), 0u) << parseFailure(text);
+  }
+  EXPECT_EQ(parseFailure(std::string("{}\n \0", 5)),
+            "parse error at line 2, column 2: syntax error while parsing value - unexpected NUL byte after "
+            "the value; expected end of input");
+}
+
+TEST(JsonParseRoutes, NestingLimitHoldsOnBothRoutes) {
+  std::string const deepest = std::string(1000, '[') + std::string(1000, ']');
+  EXPECT_EQ(parseJsonDocument(VxString(deepest)).entries.size(), 1000u);
+  std::string members;
+  for (int level = 0; level < 1001; ++level)
+    members += "{\"a\":";
+  members += "1" + std::string(1001, '}');
+  // Within the quick parser's own limit, beyond it, and unfinished.
+  for (std::string const text :
+       {std::string(1001, '[') + std::string(1001, ']'), members,
+        std::string(2000, '[') + std::string(2000, ']'), std::string(1001, '[') + "1"}) {
+    EXPECT_EQ(parseFailure(text).rfind("parse error - document nested deeper than 1000 levels", 0), 0u)
+        << parseFailure(text);
+  }
+}
