@@ -6,7 +6,6 @@
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
 
-#include <stdexcept>
 
 using namespace Tarvex::VantraCore;
 using Experimental::Unit;
@@ -23,29 +22,15 @@ PropertyNode parseDocument(VxString const &text, Fidelity fidelity, ArrayForm ar
   return JsonFormatterLowFidelity::deserializePropertyNode(text);
 }
 
-// Numbers are written at 15 significant digits only, until the writers offer the shortest round-trip
-// text (JsonNumberText).
 VxString writeDocument(PropertyNode const &node, Fidelity fidelity, int indent, NumberText numbers) {
-  if (numbers == NumberText::roundTrip)
-    throw NotSupportedYet("numbers=\"roundtrip\" needs a library that writes shortest round-trip numbers; "
-                          "pass numbers=\"15\"");
-  if (fidelity == Fidelity::low) return JsonFormatterLowFidelity::serialize(node, indent);
-  return JsonFormatter::serialize(node, indent);
+  JsonNumberText const text =
+      numbers == NumberText::roundTrip ? JsonNumberText::shortestRoundTrip : JsonNumberText::fifteenDigits;
+  if (fidelity == Fidelity::low) return JsonFormatterLowFidelity::serialize(node, indent, text);
+  return JsonFormatter::serialize(node, indent, text);
 }
 
-// The variant conversion leaves values alone when the two SI texts are equal (degrees Celsius and
-// kelvin share "K"); a source text that no unit has makes it apply the formula every time. To be
-// replaced by Unit::convertElements.
 VxVariant convertElements(Unit const &from, Unit const &to, VxVariant const &values) {
-  if (!from.isCommensurable(to)) return from.convertTo(to, values);  // throws the library's message
-  Unit source = from;
-  source.setSiUnits(VxString("\x01"));
-  try {
-    return source.convertTo(to, values);
-  } catch (std::runtime_error const &) {
-    throw std::runtime_error("Failed convering units from " + from.getSiUnits().toStdString() + " to " +
-                             to.getSiUnits().toStdString());
-  }
+  return from.convertElements(to, values);
 }
 
 }  // namespace vantracore
