@@ -2,6 +2,7 @@
 #include "RunTool.h"
 
 #include <cfloat>
+#include <cstdio>
 #include <cstring>
 #include <random>
 #include <string>
@@ -23,7 +24,9 @@ TEST(ToolDocumentTest, NumbersComeBackBitIdentical) {
     double value;
     std::memcpy(&value, &bits, sizeof value);
     if (value != value || value - value != 0) value = 0.1 + 0.2;
-    doubles += std::to_string(i == 0 ? DBL_MAX : i == 1 ? DBL_MIN : i == 2 ? 4.9e-324 : value) + ",";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.17g,", i == 0 ? DBL_MAX : i == 1 ? DBL_MIN : i == 2 ? 4.9e-324 : value);
+    doubles += text;
   }
   doubles.back() = ']';
   std::string const document = R"({"d":{"_data_":)" + doubles + R"(,"_dimensions_":[1000],"_wellknowntype_":"double"},)" +
