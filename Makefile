@@ -22,10 +22,12 @@ build: configure
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-# The bundled measurement: its supply channel converted from mV to V, then drawn.
+# The bundled measurement: its supply channel converted from mV to V, plotted, then shown.
 VANTRA = $(BUILD)/tools/vantra/vantra
 run: build
 	$(VANTRA) convert examples/measurement.json --at channels/0/samples --to V >$(BUILD)/measurement-V.json
+	$(VANTRA) plot $(BUILD)/measurement-V.json --at 'channels/*/samples' -o $(BUILD)/measurement.svg
+	@echo "chart: $(BUILD)/measurement.svg"
 	$(VANTRA) show $(BUILD)/measurement-V.json
 
 bench: build

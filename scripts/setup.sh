@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build pkg-config ccache
   nlohmann-json3-dev libutfcpp-dev libsimdjson-dev
-  libcli11-dev
+  libcli11-dev libcsv-dev librsvg2-bin
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
   clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev
   python3-dev pybind11-dev python3-numpy python3-pytest

@@ -8,6 +8,9 @@ namespace vantra {
 void addShowCommand(CLI::App &tool);
 void addJsonCommand(CLI::App &tool);
 void addConvertCommand(CLI::App &tool);
+void addStatsCommand(CLI::App &tool);
+void addPlotCommand(CLI::App &tool);
+void addCsvCommands(CLI::App &tool);
 void addUnitsCommand(CLI::App &tool);
 
 }  // namespace vantra

@@ -1,62 +1,23 @@
 #include "Document.h"
 
+#include "DocumentCheck.h"
 #include "Errors.h"
+#include "Output.h"
 
 #include <VantraCore/VantraCore.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
+#include <memory>
 #include <sstream>
 
 namespace vantra {
 
-using Tarvex::VantraCore::JsonFormatter;
-using Tarvex::VantraCore::PropertyNode;
-using Tarvex::VantraCore::VxString;
-
-CLI::Option *addFidelityOption(CLI::App &command, std::string const &name, Fidelity &fidelity,
-                               std::string const &description) {
-  return command
-      .add_option_function<std::string>(
-          name,
-          [&fidelity](std::string const &text) {
-            fidelity = text == "mid" ? Fidelity::mid : text == "low" ? Fidelity::low : Fidelity::full;
-          },
-          description)
-      ->check(CLI::IsMember({"full", "mid", "low"}));
-}
-
-CLI::Option *addIndentOption(CLI::App &command, int &indent) {
-  return command.add_option("--indent", indent, "spaces per level, 0 to 32; -1 for one compact line")
-      ->check(CLI::Range(-1, 32))
-      ->capture_default_str();
-}
-
-std::string describeSource(std::string const &file) {
-  return file == "-" ? std::string("standard input") : quoted(file);
-}
-
-namespace {
-
-std::string readAll(std::string const &file) {
-  if (file == "-") {
-    std::ostringstream text;
-    text << std::cin.rdbuf();
-    return text.str();
-  }
-  std::error_code ignored;
-  if (std::filesystem::is_directory(file, ignored))
-    throw ToolError("cannot read " + quoted(file) + ": is a directory");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw ToolError("cannot open " + quoted(file) + ": " + std::strerror(errno));
-  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) throw ToolError("cannot read " + quoted(file) + ": " + std::strerror(errno));
-  return text;
-}
+using namespace Tarvex::VantraCore;
 
 char const *fidelityName(Fidelity fidelity) {
   switch (fidelity) {
@@ -70,38 +31,172 @@ char const *fidelityName(Fidelity fidelity) {
   return "full";
 }
 
-}  // namespace
-
-PropertyNode readDocument(std::string const &file, Fidelity fidelity) {
-  VxString const text(readAll(file));
-  std::string const context =
-      "cannot read " + describeSource(file) + " as " + fidelityName(fidelity) + "-fidelity JSON";
-  return withContext(context, [&] {
-    switch (fidelity) {
-      case Fidelity::mid:
-        return Tarvex::VantraCore::JsonFormatterMidFidelity::deserializePropertyNode(text);
-      case Fidelity::low:
-        return Tarvex::VantraCore::JsonFormatterLowFidelity::deserializePropertyNode(text);
-      case Fidelity::full:
-        break;
+bool parseFidelity(std::string const &text, Fidelity &fidelity) {
+  for (Fidelity const known : {Fidelity::full, Fidelity::mid, Fidelity::low}) {
+    if (text == fidelityName(known)) {
+      fidelity = known;
+      return true;
     }
-    return JsonFormatter::deserializePropertyNode(text);
-  });
+  }
+  return false;
 }
 
-std::string documentText(PropertyNode const &tree, Fidelity fidelity, int indent) {
-  VxString const text = withContext("cannot write the document", [&] {
-    switch (fidelity) {
-      case Fidelity::mid:
-        return Tarvex::VantraCore::JsonFormatterMidFidelity::serialize(tree, indent);
-      case Fidelity::low:
-        return Tarvex::VantraCore::JsonFormatterLowFidelity::serialize(tree, indent);
-      case Fidelity::full:
-        break;
-    }
-    return JsonFormatter::serialize(tree, indent);
+CLI::Option *addFidelityOption(CLI::App &command, std::string const &name, Fidelity &fidelity,
+                               std::string const &description) {
+  return command
+      .add_option_function<std::string>(
+          name, [&fidelity](std::string const &text) { parseFidelity(text, fidelity); }, description)
+      ->check(CLI::IsMember({"full", "mid", "low"}));
+}
+
+void addListsOption(CLI::App &command, ReadOptions &options) {
+  command.add_flag("--lists", options.lists,
+                   "with --from mid or low, keep plain arrays as lists of values instead of arrays");
+}
+
+void addReadOptions(CLI::App &command, ReadOptions &options, std::string const &alias) {
+  std::string const names = alias.empty() ? "--from" : "--from," + alias;
+  addFidelityOption(command, names, options.fidelity,
+                    "fidelity the document is in: full (default), mid or low");
+  addListsOption(command, options);
+}
+
+namespace {
+
+// Integers only: the range check that follows would call "abc" out of range.
+std::string integerProblem(std::string &typed) {
+  std::string const &text = typed;
+  char *end = nullptr;
+  errno = 0;
+  long const number = std::strtol(text.c_str(), &end, 10);
+  static_cast<void>(number);
+  if (text.empty() || *end != '\0' || errno == ERANGE) return quoted(text) + " is not a number";
+  return {};
+}
+
+}  // namespace
+
+CLI::Option *addIndentOption(CLI::App &command, int &indent) {
+  return command.add_option("--indent", indent, "spaces per level, 0 to 32; -1 for one compact line")
+      ->check(CLI::Validator(integerProblem, "INT"))
+      ->check(CLI::Range(-1, 32))
+      ->capture_default_str();
+}
+
+void addWriteOptions(CLI::App &command, WriteOptions &options) {
+  addIndentOption(command, options.indent);
+  command
+      .add_option_function<std::string>(
+          "--digits",
+          [&options](std::string const &text) {
+            options.numbers = text == "15" ? NumberText::fifteenDigits : NumberText::shortest;
+          },
+          "number text: shortest (default; reads back to the same value) or 15 significant digits")
+      ->check(CLI::IsMember({"shortest", "15"}));
+  command.add_flag("--strict", options.strict,
+                   "fail, writing nothing, where the document would not read back the same");
+}
+
+std::string describeSource(std::string const &file) {
+  return file == "-" ? std::string("standard input") : quoted(file);
+}
+
+namespace {
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
+
+File openFile(std::string const &file) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(file, ignored))
+    throw ToolError("cannot read " + quoted(file) + ": is a directory");
+  File in(std::fopen(file.c_str(), "rb"), std::fclose);
+  if (!in) throw ToolError("cannot open " + quoted(file) + ": " + std::strerror(errno));
+  return in;
+}
+
+}  // namespace
+
+std::string readAll(std::string const &file) {
+  if (file == "-") {
+    std::ostringstream text;
+    text << std::cin.rdbuf();
+    return text.str();
+  }
+  File const in = openFile(file);
+  std::string text;
+  char block[1 << 16];
+  std::size_t got = 0;
+  while ((got = std::fread(block, 1, sizeof block, in.get())) > 0)
+    text.append(block, got);
+  if (std::ferror(in.get())) throw ToolError("cannot read " + quoted(file) + ": " + std::strerror(errno));
+  return text;
+}
+
+namespace {
+
+// The text as a library string, read straight into it: a document may be a large part of memory.
+VxString documentText(std::string const &file) {
+  if (file == "-") return VxString(readAll(file));
+  File const in = openFile(file);
+  std::error_code failure;
+  std::uintmax_t const size = std::filesystem::file_size(file, failure);
+  if (failure) return VxString(readAll(file));  // no regular file: read as a stream
+  bool complete = true;
+  VxString text = VxString::build(size, [&](char *into) {
+    complete = std::fread(into, 1, size, in.get()) == size;
   });
-  return std::string(text.data(), text.length()) + "\n";
+  if (!complete) throw ToolError("cannot read " + quoted(file) + ": " + std::strerror(errno));
+  return text;
+}
+
+// The one place a document's text becomes a tree.
+PropertyNode parseTree(VxString const &text, ReadOptions const &options) {
+  // Plain arrays read as lists of values for now: once the lenient readers take a JsonArrays argument,
+  // pass `options.lists ? JsonArrays::asLists : JsonArrays::asVariants` to both of them here.
+  switch (options.fidelity) {
+    case Fidelity::mid:
+      return JsonFormatterMidFidelity::deserializePropertyNode(text);
+    case Fidelity::low:
+      return JsonFormatterLowFidelity::deserializePropertyNode(text);
+    case Fidelity::full:
+      break;
+  }
+  return JsonFormatter::deserializePropertyNode(text);
+}
+
+// The one place a tree becomes a document's text.
+VxString serializeTree(PropertyNode const &tree, WriteOptions const &options) {
+  // Numbers at the library's 15 digits for now: once the writers take a JsonNumberText argument, pass
+  // `options.numbers == NumberText::shortest ? JsonNumberText::shortestRoundTrip
+  // : JsonNumberText::fifteenDigits` to each of them here.
+  switch (options.fidelity) {
+    case Fidelity::mid:
+      return JsonFormatterMidFidelity::serialize(tree, options.indent);
+    case Fidelity::low:
+      return JsonFormatterLowFidelity::serialize(tree, options.indent);
+    case Fidelity::full:
+      break;
+  }
+  return JsonFormatter::serialize(tree, options.indent);
+}
+
+}  // namespace
+
+PropertyNode readDocument(std::string const &file, ReadOptions const &options) {
+  std::string const context =
+      "cannot read " + describeSource(file) + " as " + fidelityName(options.fidelity) + "-fidelity JSON";
+  VxString const text = withContext(context, [&] { return documentText(file); });
+  PropertyNode tree = withContext(context, [&] { return parseTree(text, options); });
+  if (options.fidelity != Fidelity::low) warnOfReadingLosses(text.data(), text.length());
+  return tree;
+}
+
+void writeDocument(PropertyNode const &tree, WriteOptions const &options) {
+  warnOfWritingLosses(tree);
+  releaseWarnings(options.strict);
+  VxString const text = withContext("cannot write the document", [&] { return serializeTree(tree, options); });
+  writeOutput(std::string_view(text.data(), text.length()));
+  writeOutput("\n");
 }
 
 }  // namespace vantra

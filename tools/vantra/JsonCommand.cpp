@@ -1,7 +1,6 @@
 #include "Commands.h"
 #include "Document.h"
 
-#include <iostream>
 #include <memory>
 #include <string>
 
@@ -11,9 +10,8 @@ namespace {
 
 struct JsonOptions {
   std::string file;
-  Fidelity from = Fidelity::full;
-  Fidelity to = Fidelity::full;
-  int indent = 2;
+  ReadOptions read;
+  WriteOptions write;
 };
 
 }  // namespace
@@ -22,13 +20,10 @@ void addJsonCommand(CLI::App &tool) {
   auto options = std::make_shared<JsonOptions>();
   CLI::App *command = tool.add_subcommand("json", "Re-encode a document in another fidelity");
   command->add_option("FILE", options->file, "the document, - for standard input")->required();
-  addFidelityOption(*command, "--to", options->to, "fidelity to write: full, mid or low")->required();
-  addFidelityOption(*command, "--from", options->from,
-                    "fidelity the document is in: full (default), mid or low");
-  addIndentOption(*command, options->indent);
-  command->callback([options] {
-    std::cout << documentText(readDocument(options->file, options->from), options->to, options->indent);
-  });
+  addFidelityOption(*command, "--to", options->write.fidelity, "fidelity to write: full, mid or low")->required();
+  addReadOptions(*command, options->read);
+  addWriteOptions(*command, options->write);
+  command->callback([options] { writeDocument(readDocument(options->file, options->read), options->write); });
 }
 
 }  // namespace vantra

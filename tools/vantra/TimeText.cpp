@@ -32,6 +32,8 @@ std::string durationText(Duration value) {
   return (count.isNegative() ? "-" : "") + (magnitude / perSecond).str() + fraction(femtos) + " s";
 }
 
+}  // namespace
+
 std::string timestampText(Timestamp value) {
   int128_t const count = value.time_since_epoch().count();
   SplitSeconds const split = splitSeconds(count);
@@ -42,6 +44,73 @@ std::string timestampText(Timestamp value) {
   std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &calendar);
   return text + fraction(static_cast<std::int64_t>(split.subseconds)) + "Z";
 }
+
+namespace {
+
+// Days since 1970-01-01 of a proleptic Gregorian date.
+std::int64_t daysFromCivil(std::int64_t year, unsigned month, unsigned day) {
+  year -= month <= 2;
+  std::int64_t const era = (year >= 0 ? year : year - 399) / 400;
+  unsigned const yoe = static_cast<unsigned>(year - era * 400);
+  unsigned const doy = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  unsigned const doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + static_cast<std::int64_t>(doe) - 719468;
+}
+
+// Reads `count` digits at `at`, or fails.
+bool digits(std::string const &text, std::size_t &at, std::size_t count, unsigned &value) {
+  value = 0;
+  for (std::size_t end = at + count; at < end; ++at) {
+    if (at >= text.size() || text[at] < '0' || text[at] > '9') return false;
+    value = value * 10 + static_cast<unsigned>(text[at] - '0');
+  }
+  return true;
+}
+
+bool expect(std::string const &text, std::size_t &at, char wanted) {
+  if (at >= text.size() || text[at] != wanted) return false;
+  ++at;
+  return true;
+}
+
+}  // namespace
+
+bool parseTimestamp(std::string const &text, Timestamp &value) {
+  std::size_t at = 0;
+  unsigned year, month, day, hour, minute, second;
+  if (!digits(text, at, 4, year) || !expect(text, at, '-') || !digits(text, at, 2, month) ||
+      !expect(text, at, '-') || !digits(text, at, 2, day) || at >= text.size() ||
+      (text[at] != 'T' && text[at] != ' ') || !digits(text, ++at, 2, hour) || !expect(text, at, ':') ||
+      !digits(text, at, 2, minute) || !expect(text, at, ':') || !digits(text, at, 2, second))
+    return false;
+  if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 60) return false;
+  std::int64_t femtos = 0;
+  if (at < text.size() && (text[at] == '.' || text[at] == ',')) {
+    std::int64_t scale = femtosecondsPerSecond;
+    for (++at; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
+      scale /= 10;
+      femtos += (text[at] - '0') * scale;
+    }
+  }
+  std::int64_t offset = 0;  // seconds east of UTC; none given is UTC
+  if (at < text.size() && text[at] == 'Z') {
+    ++at;
+  } else if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
+    int const sign = text[at++] == '-' ? -1 : 1;
+    unsigned zoneHours, zoneMinutes;
+    if (!digits(text, at, 2, zoneHours)) return false;
+    if (at < text.size() && text[at] == ':') ++at;
+    if (!digits(text, at, 2, zoneMinutes)) return false;
+    offset = sign * static_cast<std::int64_t>(zoneHours * 3600 + zoneMinutes * 60);
+  }
+  if (at != text.size()) return false;
+  std::int64_t const seconds =
+      daysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second - offset;
+  value = Timestamp(Duration(int128_t(seconds) * int128_t(femtosecondsPerSecond) + int128_t(femtos)));
+  return true;
+}
+
+namespace {
 
 template <class Time, class Describe>
 VxVariant asText(VxVariant const &value, Describe describe) {
