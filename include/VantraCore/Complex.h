@@ -50,6 +50,22 @@ class Complex<T, std::enable_if_t<Internal::IsComplexIntegerPart<T>::value>> {
   T im;
 };
 
+namespace Internal {
+// The type of one part of an element: a complex kind's part type, any other type itself.
+template <class T>
+struct PartOf {
+  using type = T;
+};
+template <class F>
+struct PartOf<std::complex<F>> {
+  using type = F;
+};
+template <class T>
+struct PartOf<Complex<T>> {
+  using type = T;
+};
+}  // namespace Internal
+
 static_assert(sizeof(Complex<bool>) == 2 && sizeof(Complex<signed char>) == 2 &&
                   sizeof(Complex<unsigned char>) == 2,
               "complex elements are two parts wide");

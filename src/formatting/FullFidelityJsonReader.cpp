@@ -15,17 +15,6 @@
 namespace Tarvex::VantraCore::Internal {
 namespace {
 
-template <class T>
-struct ComplexPart;
-template <class T>
-struct ComplexPart<std::complex<T>> {
-  using type = T;
-};
-template <class T>
-struct ComplexPart<Complex<T>> {
-  using type = T;
-};
-
 // A float value into an integer kind: truncated, then wrapped as the 64-bit casts wrap, with no
 // out-of-range conversion left undefined.
 template <class T>
@@ -87,7 +76,7 @@ T element(JsonCursor const &cursor, std::size_t at) {
     std::string const &value = cursor.text(at);
     return VxString(value.data(), value.size());
   } else if constexpr (isComplexElement<T>) {
-    using Part = typename ComplexPart<T>::type;
+    using Part = typename PartOf<T>::type;
     Part const re = element<Part>(cursor, part(cursor, at, JsonKey::real));
     return T(re, element<Part>(cursor, part(cursor, at, JsonKey::imaginary)));
   } else if constexpr (std::is_same_v<T, Duration> || std::is_same_v<T, Timestamp>) {

@@ -14,19 +14,6 @@ namespace Tarvex::VantraCore::Internal {
 
 namespace {
 
-template <class T>
-struct PartOf {
-  using type = T;
-};
-template <class F>
-struct PartOf<std::complex<F>> {
-  using type = F;
-};
-template <class T>
-struct PartOf<Complex<T>> {
-  using type = T;
-};
-
 // How the elements of a kind lie in memory: one part, or a real part followed by an imaginary one. A
 // truth value is read and written as its stored byte, so that no byte but 0 and 1 is ever loaded as
 // a bool.

@@ -166,18 +166,17 @@ PropertyNode parseTree(VxString const &text, ReadOptions const &options) {
 
 // The one place a tree becomes a document's text.
 VxString serializeTree(PropertyNode const &tree, WriteOptions const &options) {
-  // Numbers at the library's 15 digits for now: once the writers take a JsonNumberText argument, pass
-  // `options.numbers == NumberText::shortest ? JsonNumberText::shortestRoundTrip
-  // : JsonNumberText::fifteenDigits` to each of them here.
+  JsonNumberText const numbers = options.numbers == NumberText::shortest ? JsonNumberText::shortestRoundTrip
+                                                                         : JsonNumberText::fifteenDigits;
   switch (options.fidelity) {
     case Fidelity::mid:
-      return JsonFormatterMidFidelity::serialize(tree, options.indent);
+      return JsonFormatterMidFidelity::serialize(tree, options.indent, numbers);
     case Fidelity::low:
-      return JsonFormatterLowFidelity::serialize(tree, options.indent);
+      return JsonFormatterLowFidelity::serialize(tree, options.indent, numbers);
     case Fidelity::full:
       break;
   }
-  return JsonFormatter::serialize(tree, options.indent);
+  return JsonFormatter::serialize(tree, options.indent, numbers);
 }
 
 }  // namespace
