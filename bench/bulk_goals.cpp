@@ -68,7 +68,9 @@ void castIntoFreshVector(benchmark::State &state) {
     keep(out.data());
   }
 }
-void plainInt16ToFreshVector(benchmark::State &state) { castIntoFreshVector<std::int16_t, double>(state); }
+void plainInt16ToFreshVector(benchmark::State &state) {
+  castIntoFreshVector<std::int16_t, double>(state);
+}
 
 void withShapeThenFill(benchmark::State &state) {
   for (auto _ : state) {
@@ -105,7 +107,9 @@ void losslessDoubleToFloat(benchmark::State &state) {
   for (auto _ : state)
     keep(input.convertTo(wellKnownTypeOf<float>(), conversionLossless).constStoredData<float>());
 }
-void plainCastToFreshVector(benchmark::State &state) { castIntoFreshVector<double, float>(state); }
+void plainCastToFreshVector(benchmark::State &state) {
+  castIntoFreshVector<double, float>(state);
+}
 
 void unitMillivoltsToVolts(benchmark::State &state) {
   Unit millivolt(UnitType::electricPotential(), "mV", 0.001, 0.0, 0.0);

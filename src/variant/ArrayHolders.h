@@ -223,8 +223,10 @@ class VectorVariantData : public CountedArrayData<T> {
     sourceCount = source ? std::min(sourceCount, numberOfElements) : 0;
     if (sourceCount != 0) ArrayHolderDetail::constructCopies(source, sourceCount, elements);
     // All-zero bytes are the default of every trivially copyable kind.
-    bool const leaveUnset = std::is_trivially_copyable_v<T> && (block.zeroed || start == ElementStart::overwritten);
-    if (!leaveUnset) ArrayHolderDetail::constructDefault(elements + sourceCount, numberOfElements - sourceCount);
+    bool const leaveUnset =
+        std::is_trivially_copyable_v<T> && (block.zeroed || start == ElementStart::overwritten);
+    if (!leaveUnset)
+      ArrayHolderDetail::constructDefault(elements + sourceCount, numberOfElements - sourceCount);
     return holder;
   }
 

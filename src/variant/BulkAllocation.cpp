@@ -15,13 +15,16 @@ namespace {
 constexpr std::size_t prefix = __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 static_assert(prefix >= sizeof(std::size_t), "the prefix holds the mapping's length");
 
-std::size_t &mappedLength(void *block) noexcept { return *static_cast<std::size_t *>(block); }
+std::size_t &mappedLength(void *block) noexcept {
+  return *static_cast<std::size_t *>(block);
+}
 
 // The whole mapping is rounded to huge pages, so that its last page can be huge as well: at most one
 // 2 MiB page more than the elements need. Mapping one page more than that leaves room to cut an
 // aligned start out of it.
 void *mapAligned(std::size_t length) {
-  void *const raw = mmap(nullptr, length + hugePageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void *const raw =
+      mmap(nullptr, length + hugePageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (raw == MAP_FAILED) throw std::bad_alloc();
   auto const rawStart = reinterpret_cast<std::uintptr_t>(raw);
   std::uintptr_t const start = (rawStart + hugePageSize - 1) & ~(std::uintptr_t(hugePageSize) - 1);

@@ -20,9 +20,11 @@ HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions,
     case ConvertedHolder::scalar:
       return HolderReference(new ScalarVariantDataRefCounted<U>(U()));
     case ConvertedHolder::vector:
-      return HolderReference(VectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
+      return HolderReference(
+          VectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
     case ConvertedHolder::customVector:
-      return HolderReference(CustomVectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
+      return HolderReference(
+          CustomVectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
   }
   throwUnknownType();
 }
