@@ -171,10 +171,7 @@ bool convertNumbers(void const *source, void *target, std::uint64_t count, Conve
       for (std::uint64_t i = start; i < end; ++i)
         Pair::cast(s, d, i);
       std::uint64_t const failed = Pair::firstFailure(s, d, start, end);
-      if (failed == end) continue;
-      // Stored and then tested: the failing element stays written, nothing behind it does.
-      std::fill(d + (failed + 1) * Pair::UL::parts, d + end * Pair::UL::parts, typename Pair::UP(0));
-      return false;
+      if (failed != end) return false;
     }
     return true;
   }
@@ -265,7 +262,9 @@ bool convertRun(void const *source, void *target, std::uint64_t count, Conversio
         return parseTexts<U>(static_cast<VxString const *>(source), target, count);
       }
     }
-    return policy == conversionLossless && allZero<S>(source, count);
+    if (policy != conversionLossless || !allZero<S>(source, count)) return false;
+    std::fill_n(static_cast<U *>(target), count, U());
+    return true;
   }
 }
 

@@ -7,9 +7,9 @@
 namespace Tarvex::VantraCore::Internal {
 
 // Converts the run of `count` elements at `source` into the run at `target`, whose elements are
-// already constructed and default-valued (zero, empty strings, zero times). False when the policy
-// refuses the pair or an element; a lossless run then stops at the first element that fails the test,
-// with that element and the ones before it stored and the rest left default.
+// constructed, though those of kinds without construction may hold anything. A run that succeeds
+// writes every element. False when the policy refuses the pair or an element; a lossless run then
+// stops at the first element that fails the test, and the target is left to be thrown away.
 using ElementConverter = bool (*)(void const *source, void *target, std::uint64_t count,
                                   ConversionPolicy policy);
 

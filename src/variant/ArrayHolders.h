@@ -11,6 +11,7 @@
 #include <VantraCore/detail/IVariantData.h>
 
 #include <numerics/OrderingConversion.h>
+#include <variant/BulkAllocation.h>
 #include <variant/ElementEquality.h>
 #include <variant/VariantConversion.h>
 
@@ -108,6 +109,10 @@ inline constexpr CustomTypeOperations customOperations{&customElementsEqual<T>};
 
 }  // namespace ArrayHolderDetail
 
+// How a new holder's elements start: default-valued, or, for a caller about to write every one,
+// unset where T needs no construction (strings are still constructed).
+enum class ElementStart { defaultValued, overwritten };
+
 // What the array holders of T share: the reference count and the answers that follow from T alone.
 template <class T>
 class CountedArrayData : public CountedHolder<IVariantData> {
@@ -126,13 +131,14 @@ class CountedArrayData : public CountedHolder<IVariantData> {
 template <class T>
 class VectorVariantData : public CountedArrayData<T> {
   static_assert(isElementKind<T>, "an element kind");
-  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "operator new aligns the elements");
+  static_assert(alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__, "the block aligns the elements");
 
  public:
   // A holder of `numberOfElements` default-valued elements, count 1.
   static VectorVariantData *create(ArrayDimensionsView dims, DataOrdering ordering,
-                                   std::uint64_t numberOfElements) {
-    return allocate<VectorVariantData>(dims, ordering, numberOfElements, nullptr, 0);
+                                   std::uint64_t numberOfElements,
+                                   ElementStart start = ElementStart::defaultValued) {
+    return allocate<VectorVariantData>(dims, ordering, numberOfElements, nullptr, 0, start);
   }
   // The same, with the first `sourceCount` elements copied from `source` (strings shared).
   static VectorVariantData *createCopy(ArrayDimensionsView dims, DataOrdering ordering,
@@ -155,7 +161,7 @@ class VectorVariantData : public CountedArrayData<T> {
   }
 
   // Frees the whole block that allocate() took.
-  static void operator delete(void *memory) noexcept { ::operator delete(memory); }
+  static void operator delete(void *memory) noexcept { releaseBulk(memory); }
 
   T *elements() noexcept { return reinterpret_cast<T *>(reinterpret_cast<char *>(this) + elementsOffset()); }
   T const *elements() const noexcept {
@@ -201,7 +207,8 @@ class VectorVariantData : public CountedArrayData<T> {
   // dimension list and the elements.
   template <class Holder>
   static Holder *allocate(ArrayDimensionsView dims, DataOrdering ordering, std::uint64_t numberOfElements,
-                          T const *source, std::uint64_t sourceCount) {
+                          T const *source, std::uint64_t sourceCount,
+                          ElementStart start = ElementStart::defaultValued) {
     static_assert(sizeof(Holder) == sizeof(VectorVariantData), "the elements follow the same header");
     ArrayHolderDetail::requireSizes(dims);
     std::size_t const offset = elementsOffsetFor(dims.count);
@@ -209,13 +216,17 @@ class VectorVariantData : public CountedArrayData<T> {
     if (__builtin_mul_overflow(numberOfElements, sizeof(T), &bytes) ||
         __builtin_add_overflow(bytes, offset, &bytes))
       throw std::bad_alloc();
-    void *memory = ::operator new(bytes);
+    BulkBlock const block = allocateBulk(bytes);
     // Nothing below throws: the header copies sizes, and elements are zeroed, copied or shared.
-    Holder *holder = new (memory) Holder(dims, ordering, numberOfElements);
+    Holder *holder = new (block.memory) Holder(dims, ordering, numberOfElements);
     T *elements = holder->elements();
     sourceCount = source ? std::min(sourceCount, numberOfElements) : 0;
     if (sourceCount != 0) ArrayHolderDetail::constructCopies(source, sourceCount, elements);
-    ArrayHolderDetail::constructDefault(elements + sourceCount, numberOfElements - sourceCount);
+    // All-zero bytes are the default of every trivially copyable kind.
+    bool const leaveUnset =
+        std::is_trivially_copyable_v<T> && (block.zeroed || start == ElementStart::overwritten);
+    if (!leaveUnset)
+      ArrayHolderDetail::constructDefault(elements + sourceCount, numberOfElements - sourceCount);
     return holder;
   }
 
@@ -238,7 +249,10 @@ class VectorVariantData : public CountedArrayData<T> {
   static Holder *reordered(T const *elements, std::uint64_t count, DataOrdering from,
                            ArrayDimensionsView dims, DataOrdering to) {
     std::uint64_t const shapeCount = elementCount(dims);
-    Holder *result = allocate<Holder>(dims, to, shapeCount, nullptr, 0);
+    // A source that covers the shape, in either ordering, leaves no element of the result unwritten.
+    bool const covered = count >= shapeCount && (from == rowMajor || from == columnMajor);
+    Holder *result = allocate<Holder>(dims, to, shapeCount, nullptr, 0,
+                                      covered ? ElementStart::overwritten : ElementStart::defaultValued);
     convertOrdering(elements, std::min(count, shapeCount), from, result->elements(), shapeCount, dims);
     return result;
   }
@@ -292,8 +306,10 @@ class CustomVectorVariantData final : public VectorVariantData<T> {
 
  public:
   static CustomVectorVariantData *create(ArrayDimensionsView dims, DataOrdering ordering,
-                                         std::uint64_t numberOfElements) {
-    return Base::template allocate<CustomVectorVariantData>(dims, ordering, numberOfElements, nullptr, 0);
+                                         std::uint64_t numberOfElements,
+                                         ElementStart start = ElementStart::defaultValued) {
+    return Base::template allocate<CustomVectorVariantData>(dims, ordering, numberOfElements, nullptr, 0,
+                                                            start);
   }
   static CustomVectorVariantData *createReshaped(IVariantData const *source, ArrayDimensionsView dims,
                                                  DataOrdering ordering) {

@@ -12,7 +12,7 @@ namespace Tarvex::VantraCore::Internal {
 
 namespace {
 
-// A holder of U with default-valued elements, of the class that `form` names.
+// A holder of U of the class that `form` names, for the converter to write every element of.
 template <class U>
 HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions, DataOrdering ordering,
                            std::uint64_t count) {
@@ -20,9 +20,11 @@ HolderReference makeTarget(ConvertedHolder form, ArrayDimensionsView dimensions,
     case ConvertedHolder::scalar:
       return HolderReference(new ScalarVariantDataRefCounted<U>(U()));
     case ConvertedHolder::vector:
-      return HolderReference(VectorVariantData<U>::create(dimensions, ordering, count));
+      return HolderReference(
+          VectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
     case ConvertedHolder::customVector:
-      return HolderReference(CustomVectorVariantData<U>::create(dimensions, ordering, count));
+      return HolderReference(
+          CustomVectorVariantData<U>::create(dimensions, ordering, count, ElementStart::overwritten));
   }
   throwUnknownType();
 }
