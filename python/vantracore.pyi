@@ -18,11 +18,16 @@ class Error(RuntimeError):
 class DomainError(ArithmeticError):
     """A value outside the domain of an operation, such as a JSON item of the wrong type for its kind."""
 
-def load(source: Union[Path, IO[bytes]], fidelity: Fidelity = "full", arrays: Arrays = "variants") -> Any:
-    """Read one JSON document from a path or a binary file."""
+def load(source: Union[Path, IO[bytes]], fidelity: Fidelity = "full", arrays: Arrays = "variants",
+         max_elements: Optional[int] = None) -> Any:
+    """Read one JSON document from a path or a binary file.
+
+    max_elements: the most elements the document's arrays may declare beyond the items they carry (filled
+    with zeros); more raises vantracore.Error naming the shape. None: the larger of 16M and sixteen times the
+    elements a text of its length can carry."""
 
 def loads(text: Union[str, bytes, bytearray, memoryview], fidelity: Fidelity = "full",
-          arrays: Arrays = "variants") -> Any:
+          arrays: Arrays = "variants", max_elements: Optional[int] = None) -> Any:
     """Read one JSON document from str or bytes; otherwise as load."""
 
 def dump(obj: Any, target: Union[Path, IO[bytes]], fidelity: Fidelity = "full", indent: Optional[int] = None,

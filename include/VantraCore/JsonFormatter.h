@@ -17,6 +17,19 @@ namespace Tarvex::VantraCore {
 // float. Either way zero prints as "0.0" or "-0.0", a non-finite number as null, integers exactly.
 enum class JsonNumberText : std::uint8_t { fifteenDigits, shortestRoundTrip };
 
+// How the low- and mid-fidelity tree readers take a plain JSON array. asLists: a list of nodes, one per
+// item. asVariants: an array whose items are all numbers, all booleans or all strings, or a rectangular
+// nesting of such arrays up to 8 deep, becomes one array variant, row-major, shaped by the nesting, of
+// kind int64 when every number is an integer that fits it, double otherwise, bool or string; every
+// other array (empty, mixed, ragged, holding objects or nulls) stays a list.
+enum class JsonArrays : std::uint8_t { asLists, asVariants };
+
+// The most elements that the arrays of one document may declare beyond the items they carry (a
+// `_dimensions_` larger than `_data_`, zero-filled), summed over the document. Beyond it the full- and
+// mid-fidelity readers throw std::length_error naming the shape, before allocating it. For documents
+// from hosts that are not trusted; the default sets no bound.
+inline constexpr std::uint64_t jsonUnboundedFill = ~std::uint64_t(0);
+
 // Variants and property trees as JSON documents that keep the element kind, shape, data order and
 // data. Stateless: every member is static.
 //
@@ -57,10 +70,11 @@ class VANTRACORE_API JsonFormatter {
   // one JSON value. Syntax errors and nesting deeper than 1000 levels throw std::invalid_argument
   // "parse error ...", a stream not good at the start "stream error"; a wrong JSON type throws
   // std::domain_error "type must be number, but is null" and the like.
-  static VxVariant deserializeVxVariant(std::istream &in);
-  static VxVariant deserializeVxVariant(VxString text);
-  static PropertyNode deserializePropertyNode(std::istream &in);
-  static PropertyNode deserializePropertyNode(VxString text);
+  static VxVariant deserializeVxVariant(std::istream &in, std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static VxVariant deserializeVxVariant(VxString text, std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static PropertyNode deserializePropertyNode(std::istream &in,
+                                              std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static PropertyNode deserializePropertyNode(VxString text, std::uint64_t maxFilledElements = jsonUnboundedFill);
 
  private:
   // The templates above for each variant flavour.

@@ -55,8 +55,9 @@ class VANTRACORE_API JsonFormatterLowFidelity {
   // Syntax errors as JsonFormatter.
   static VxVariant deserializeVxVariant(std::istream &in);
   static VxVariant deserializeVxVariant(VxString text);
-  static PropertyNode deserializePropertyNode(std::istream &in);
-  static PropertyNode deserializePropertyNode(VxString text);
+  // `arrays` says how a tree takes plain arrays; asLists is the reading described above.
+  static PropertyNode deserializePropertyNode(std::istream &in, JsonArrays arrays = JsonArrays::asLists);
+  static PropertyNode deserializePropertyNode(VxString text, JsonArrays arrays = JsonArrays::asLists);
 
  private:
   // The templates above for each variant flavour.

@@ -7,6 +7,7 @@
 #include <VantraCore/VxString.h>
 #include <VantraCore/VxVariant.h>
 
+#include <cstdint>
 #include <iosfwd>
 #include <utility>
 
@@ -52,10 +53,13 @@ class VANTRACORE_API JsonFormatterMidFidelity {
   // Syntax errors as JsonFormatter; a wrong JSON type of a metadata member throws std::domain_error
   // "type must be string, but is number" and the like, a bad `_dataorder_` std::runtime_error
   // "dataOrder value: '<value>' is not recognized in conversion from JSON.".
-  static VxVariant deserializeVxVariant(std::istream &in);
-  static VxVariant deserializeVxVariant(VxString text);
-  static PropertyNode deserializePropertyNode(std::istream &in);
-  static PropertyNode deserializePropertyNode(VxString text);
+  // `maxFilledElements` as in JsonFormatter; `arrays` says how a tree takes plain arrays.
+  static VxVariant deserializeVxVariant(std::istream &in, std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static VxVariant deserializeVxVariant(VxString text, std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static PropertyNode deserializePropertyNode(std::istream &in, JsonArrays arrays = JsonArrays::asLists,
+                                              std::uint64_t maxFilledElements = jsonUnboundedFill);
+  static PropertyNode deserializePropertyNode(VxString text, JsonArrays arrays = JsonArrays::asLists,
+                                              std::uint64_t maxFilledElements = jsonUnboundedFill);
 };
 
 }  // namespace Tarvex::VantraCore

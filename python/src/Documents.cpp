@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace py = pybind11;
@@ -113,13 +114,16 @@ VxString textOf(py::handle source) {
                   static_cast<std::uint64_t>(buffer.size * buffer.itemsize));
 }
 
-py::object parse(VxString const &text, std::string const &fidelity, std::string const &arrays) {
+py::object parse(VxString const &text, std::string const &fidelity, std::string const &arrays,
+                 py::object const &maxElements) {
   Fidelity const chosenFidelity = fidelityOf(fidelity);
+  std::optional<std::uint64_t> const cap =
+      maxElements.is_none() ? std::nullopt : std::optional<std::uint64_t>(maxElements.cast<std::uint64_t>());
   ArrayForm const chosenArrays = arraysOf(arrays);
   PropertyNode document;
   {
     py::gil_scoped_release released;
-    document = parseDocument(text, chosenFidelity, chosenArrays);
+    document = parseDocument(text, chosenFidelity, chosenArrays, cap);
   }
   return nodeToPython(document);
 }
@@ -136,16 +140,18 @@ VxString write(py::handle object, std::string const &fidelity, py::object const 
   return text;
 }
 
-py::object load(py::object const &source, std::string const &fidelity, std::string const &arrays) {
-  if (isPath(source)) return parse(readFile(source), fidelity, arrays);
+py::object load(py::object const &source, std::string const &fidelity, std::string const &arrays,
+                py::object const &maxElements) {
+  if (isPath(source)) return parse(readFile(source), fidelity, arrays, maxElements);
   if (!py::hasattr(source, "read")) throw py::type_error("load takes a path or a binary file");
   py::object const content = source.attr("read")();
   if (py::isinstance<py::str>(content)) throw py::type_error("load takes a binary file: open it with \"rb\"");
-  return parse(textOf(content), fidelity, arrays);
+  return parse(textOf(content), fidelity, arrays, maxElements);
 }
 
-py::object loads(py::object const &source, std::string const &fidelity, std::string const &arrays) {
-  return parse(textOf(source), fidelity, arrays);
+py::object loads(py::object const &source, std::string const &fidelity, std::string const &arrays,
+                 py::object const &maxElements) {
+  return parse(textOf(source), fidelity, arrays, maxElements);
 }
 
 py::str dumps(py::object const &object, std::string const &fidelity, py::object const &indent,
@@ -172,18 +178,23 @@ void dump(py::object const &object, py::object const &target, std::string const 
 
 void addDocuments(py::module_ &module) {
   module.def("load", &load, "source"_a, "fidelity"_a = "full", "arrays"_a = "variants",
+             "max_elements"_a = py::none(),
              R"(Read one JSON document from a path or a binary file.
 
 fidelity: "full" reads the library's documents with their metadata; "mid" reads them and plain JSON
 alike, making up missing metadata; "low" reads plain JSON, every number as a float.
 arrays: how plain JSON arrays are read in "mid" and "low": "variants" as NumPy arrays, "lists" as
 lists. Arrays of a full-fidelity document are always NumPy arrays.
+max_elements: the most elements that the document's arrays may declare beyond the items they carry
+(those are filled with zeros); more raises vantracore.Error naming the shape before anything is allocated.
+None: the larger of 16M and sixteen times the elements that a text of its length can carry.
 
 Maps become dicts in document order, lists lists, scalars Python scalars, and array values NumPy
 arrays that share the library's memory (read-only; C order for row-major data, Fortran order for
 column-major). The GIL is released while the text is read and parsed. A malformed document raises
 (ValueError for a syntax error) and returns nothing.)");
   module.def("loads", &loads, "text"_a, "fidelity"_a = "full", "arrays"_a = "variants",
+             "max_elements"_a = py::none(),
              "Read one JSON document from str or bytes; otherwise as load.");
   module.def("dump", &dump, "obj"_a, "target"_a, "fidelity"_a = "full", "indent"_a = py::none(),
              "numbers"_a = "roundtrip",

@@ -1,10 +1,12 @@
 #include "LibraryOptions.h"
 
-#include "Errors.h"
-
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
 
 
 using namespace Tarvex::VantraCore;
@@ -12,14 +14,16 @@ using Experimental::Unit;
 
 namespace vantracore {
 
-// Plain JSON arrays become lists only, until the readers can make array variants of them (JsonArrays).
-PropertyNode parseDocument(VxString const &text, Fidelity fidelity, ArrayForm arrays) {
-  if (fidelity == Fidelity::full) return JsonFormatter::deserializePropertyNode(text);
-  if (arrays == ArrayForm::variants)
-    throw NotSupportedYet("arrays=\"variants\" needs a library that reads plain JSON arrays as arrays; "
-                          "pass arrays=\"lists\"");
-  if (fidelity == Fidelity::mid) return JsonFormatterMidFidelity::deserializePropertyNode(text);
-  return JsonFormatterLowFidelity::deserializePropertyNode(text);
+PropertyNode parseDocument(VxString const &text, Fidelity fidelity, ArrayForm arrays,
+                           std::optional<std::uint64_t> maxElements) {
+  // A text of n bytes carries at most about n / 2 elements; by default a document may ask for sixteen
+  // times that to be filled in, and never less than 16M elements.
+  constexpr std::uint64_t leastCap = std::uint64_t(1) << 24;
+  std::uint64_t const cap = maxElements ? *maxElements : std::max(leastCap, 8 * (text.length() + 1));
+  if (fidelity == Fidelity::full) return JsonFormatter::deserializePropertyNode(text, cap);
+  JsonArrays const form = arrays == ArrayForm::variants ? JsonArrays::asVariants : JsonArrays::asLists;
+  if (fidelity == Fidelity::mid) return JsonFormatterMidFidelity::deserializePropertyNode(text, form, cap);
+  return JsonFormatterLowFidelity::deserializePropertyNode(text, form);
 }
 
 VxString writeDocument(PropertyNode const &node, Fidelity fidelity, int indent, NumberText numbers) {

@@ -114,6 +114,17 @@ def test_plain_arrays_as_arrays(array_variants):
     assert tree["matrix"].shape == (2, 2) and tree["matrix"].dtype == np.float64
 
 
+def test_declared_elements_are_capped():
+    huge = document("double", [1, 2], [300000000])
+    for fidelity in ("full", "mid"):
+        with pytest.raises(vantracore.Error, match=r"shape \[300000000\] holding 2 items"):
+            vantracore.loads(huge, fidelity=fidelity)
+    small = document("int32", [1, 2], [5])
+    assert vantracore.loads(small, max_elements=3).tolist() == [1, 2, 0, 0, 0]
+    with pytest.raises(vantracore.Error, match="the 2 elements allowed"):
+        vantracore.loads(small, fidelity="mid", max_elements=2)
+
+
 def test_sources(tmp_path):
     text = document("int32", [7], [1])
     path = tmp_path / "doc.json"

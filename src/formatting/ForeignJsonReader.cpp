@@ -179,8 +179,12 @@ PropertyNode readTree(JsonCursor const &cursor, std::size_t at, bool metadata) {
   switch (cursor.typeOf(at)) {
     case JsonType::null:
       return PropertyNode();
-    case JsonType::array:
+    case JsonType::array: {
+      VxVariant array;
+      if (cursor.arrays() == JsonArrays::asVariants && readArrayVariant(cursor, at, array))
+        return PropertyNode(std::move(array));
       return cursor.list(at, child);
+    }
     case JsonType::object: {
       std::size_t const data = metadata ? cursor.member(at, JsonKey::data) : JsonCursor::absent;
       if (data != JsonCursor::absent) return PropertyNode(readWithMetadata(cursor, at, data));

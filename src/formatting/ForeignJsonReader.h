@@ -1,6 +1,7 @@
 #pragma once
 
 #include <formatting/JsonDocument.h>
+#include <formatting/PlainArrayVariant.h>
 
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxVariant.h>
@@ -8,11 +9,8 @@
 #include <cstddef>
 
 // The readers of JSON from elsewhere: plain JSON by inference (low fidelity), and documents whose
-// metadata may be missing (mid fidelity).
+// metadata may be missing (mid fidelity). A tree reads plain arrays as the cursor's reading asks.
 namespace Tarvex::VantraCore::Internal {
-
-// Arrays nest at most this deep in a plain variant.
-inline constexpr std::size_t plainJsonMaxRank = 8;
 
 VxVariant readPlainVariant(JsonCursor const &cursor, std::size_t at);
 PropertyNode readPlainNode(JsonCursor const &cursor, std::size_t at);

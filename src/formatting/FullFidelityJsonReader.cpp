@@ -104,6 +104,7 @@ VxVariant variantData(JsonCursor const &cursor, std::size_t data,
   if (items > capacity) {
     throw std::runtime_error("VxVariant dimensions less than actual data items in conversion from JSON");
   }
+  cursor.chargeFill(shape.dimensions, capacity, items);
   VxVariant result = VxVariant::withShape<T>(shape.dimensions, shape.ordering);
   T *out = items == 0 ? nullptr : result.mutableStoredData<T>();
   for (std::size_t item = data + 1; item < cursor.end(data); item = cursor.next(item))

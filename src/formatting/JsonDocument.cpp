@@ -1,8 +1,10 @@
 #include <formatting/JsonDocument.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace Tarvex::VantraCore::Internal {
 
@@ -38,6 +40,23 @@ std::vector<std::pair<std::string const *, std::size_t>> JsonCursor::members(std
   }
   result.resize(kept);
   return result;
+}
+
+void JsonCursor::chargeFill(std::vector<std::uint64_t> const &dims, std::uint64_t declared,
+                            std::uint64_t carried) const {
+  std::uint64_t const bound = m_reading.maxFilledElements;
+  if (bound == jsonUnboundedFill) return;
+  std::uint64_t const fill = declared - carried;
+  if (fill <= bound && m_filled <= bound - fill) {
+    m_filled += fill;
+    return;
+  }
+  std::string shape = "[";
+  for (std::size_t k = 0; k < dims.size(); ++k)
+    shape += (k ? ", " : "") + std::to_string(dims[k]);
+  throw std::length_error("the JSON document declares an array of shape " + shape + "] holding " +
+                          std::to_string(carried) + " items; it would fill in more than the " +
+                          std::to_string(bound) + " elements allowed beyond those a document carries");
 }
 
 char const *JsonCursor::typeName(std::size_t at) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VantraCore/InternedString.h>
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
 #include <VantraCore/detail/PropertyMapBuilding.h>
@@ -65,13 +66,25 @@ JsonDocument parseJsonDocument(VxString const &text);
 bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonDocument &document);
 JsonDocument parseJsonDocumentByLibrary(std::string_view text);
 
-// Reads values of a parsed document by entry index; the root is entry 0. Holds references only.
+// What a caller asks of one reading.
+struct JsonReading {
+  JsonArrays arrays = JsonArrays::asLists;
+  std::uint64_t maxFilledElements = jsonUnboundedFill;
+};
+
+// Reads values of a parsed document by entry index; the root is entry 0. Holds references only, and
+// counts the elements filled in so far against the reading's bound.
 class JsonCursor {
  public:
   static constexpr std::size_t absent = std::numeric_limits<std::size_t>::max();
 
-  explicit JsonCursor(JsonDocument const &document)
-      : m_entries(document.entries), m_strings(document.strings) {}
+  explicit JsonCursor(JsonDocument const &document, JsonReading reading = {})
+      : m_entries(document.entries), m_strings(document.strings), m_reading(reading) {}
+
+  JsonArrays arrays() const { return m_reading.arrays; }
+  // Counts the elements of a shape `dims` that its `carried` items leave to fill; std::length_error
+  // naming the shape when the document's total goes past the reading's bound.
+  void chargeFill(std::vector<std::uint64_t> const &dims, std::uint64_t declared, std::uint64_t carried) const;
 
   // An absent index reads as null.
   JsonType typeOf(std::size_t at) const { return at == absent ? JsonType::null : m_entries[at].type; }
@@ -121,13 +134,15 @@ class JsonCursor {
  private:
   std::vector<JsonEntry> const &m_entries;
   std::vector<std::string> const &m_strings;
+  JsonReading m_reading;
+  mutable std::uint64_t m_filled = 0;
 };
 
 // Parses `source` (a stream or a VxString) and reads its root by read(cursor, 0).
 template <class Source, class Read>
-auto readJsonDocument(Source &source, Read const &read) {
+auto readJsonDocument(Source &source, Read const &read, JsonReading reading = {}) {
   JsonDocument const document = parseJsonDocument(source);
-  return read(JsonCursor(document), std::size_t(0));
+  return read(JsonCursor(document, reading), std::size_t(0));
 }
 
 }  // namespace Tarvex::VantraCore::Internal

@@ -166,20 +166,20 @@ void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent,
                [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
-VxVariant JsonFormatter::deserializeVxVariant(std::istream &in) {
-  return Internal::readJsonDocument(in, Internal::readFullVariant);
+VxVariant JsonFormatter::deserializeVxVariant(std::istream &in, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(in, Internal::readFullVariant, {JsonArrays::asLists, maxFilledElements});
 }
 
-VxVariant JsonFormatter::deserializeVxVariant(VxString text) {
-  return Internal::readJsonDocument(text, Internal::readFullVariant);
+VxVariant JsonFormatter::deserializeVxVariant(VxString text, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readFullVariant, {JsonArrays::asLists, maxFilledElements});
 }
 
-PropertyNode JsonFormatter::deserializePropertyNode(std::istream &in) {
-  return Internal::readJsonDocument(in, Internal::readFullNode);
+PropertyNode JsonFormatter::deserializePropertyNode(std::istream &in, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(in, Internal::readFullNode, {JsonArrays::asLists, maxFilledElements});
 }
 
-PropertyNode JsonFormatter::deserializePropertyNode(VxString text) {
-  return Internal::readJsonDocument(text, Internal::readFullNode);
+PropertyNode JsonFormatter::deserializePropertyNode(VxString text, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readFullNode, {JsonArrays::asLists, maxFilledElements});
 }
 
 }  // namespace Tarvex::VantraCore

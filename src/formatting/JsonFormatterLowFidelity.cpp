@@ -157,12 +157,12 @@ VxVariant JsonFormatterLowFidelity::deserializeVxVariant(VxString text) {
   return Internal::readJsonDocument(text, Internal::readPlainVariant);
 }
 
-PropertyNode JsonFormatterLowFidelity::deserializePropertyNode(std::istream &in) {
-  return Internal::readJsonDocument(in, Internal::readPlainNode);
+PropertyNode JsonFormatterLowFidelity::deserializePropertyNode(std::istream &in, JsonArrays arrays) {
+  return Internal::readJsonDocument(in, Internal::readPlainNode, {arrays, jsonUnboundedFill});
 }
 
-PropertyNode JsonFormatterLowFidelity::deserializePropertyNode(VxString text) {
-  return Internal::readJsonDocument(text, Internal::readPlainNode);
+PropertyNode JsonFormatterLowFidelity::deserializePropertyNode(VxString text, JsonArrays arrays) {
+  return Internal::readJsonDocument(text, Internal::readPlainNode, {arrays, jsonUnboundedFill});
 }
 
 }  // namespace Tarvex::VantraCore

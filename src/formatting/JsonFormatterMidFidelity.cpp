@@ -25,20 +25,22 @@ void JsonFormatterMidFidelity::serialize(FPropertyNode node, std::ostream &out, 
   JsonFormatter::serialize(std::move(node), out, indent, numbers);
 }
 
-VxVariant JsonFormatterMidFidelity::deserializeVxVariant(std::istream &in) {
-  return Internal::readJsonDocument(in, Internal::readLenientVariant);
+VxVariant JsonFormatterMidFidelity::deserializeVxVariant(std::istream &in, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(in, Internal::readLenientVariant, {JsonArrays::asLists, maxFilledElements});
 }
 
-VxVariant JsonFormatterMidFidelity::deserializeVxVariant(VxString text) {
-  return Internal::readJsonDocument(text, Internal::readLenientVariant);
+VxVariant JsonFormatterMidFidelity::deserializeVxVariant(VxString text, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readLenientVariant, {JsonArrays::asLists, maxFilledElements});
 }
 
-PropertyNode JsonFormatterMidFidelity::deserializePropertyNode(std::istream &in) {
-  return Internal::readJsonDocument(in, Internal::readLenientNode);
+PropertyNode JsonFormatterMidFidelity::deserializePropertyNode(std::istream &in, JsonArrays arrays,
+                                                       std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(in, Internal::readLenientNode, {arrays, maxFilledElements});
 }
 
-PropertyNode JsonFormatterMidFidelity::deserializePropertyNode(VxString text) {
-  return Internal::readJsonDocument(text, Internal::readLenientNode);
+PropertyNode JsonFormatterMidFidelity::deserializePropertyNode(VxString text, JsonArrays arrays,
+                                                       std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readLenientNode, {arrays, maxFilledElements});
 }
 
 }  // namespace Tarvex::VantraCore
