@@ -94,9 +94,10 @@ class QuickDocumentBuilder {
 };
 
 // The parser keeps its buffers from text to text, and so does the copy of a text with too little room
-// behind it: fresh ones would first fault in as many pages as the text takes, each time. Texts beyond
-// this size get buffers of their own, so that a thread does not hold on to those of one huge document.
-constexpr std::size_t reusedCapacity = std::size_t(64) << 20;
+// behind it: fresh ones would first fault in as many pages as the text takes, each time. The parser's
+// buffers run to about 13 times the text for a run of short numbers, so only small texts reuse them: a
+// host thread that once read a large document must not hold on to hundreds of megabytes.
+constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
 
 struct ReusedBuffers {
   dom::parser parser;
