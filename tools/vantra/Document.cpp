@@ -6,6 +6,7 @@
 
 #include <VantraCore/VantraCore.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -52,6 +53,9 @@ CLI::Option *addFidelityOption(CLI::App &command, std::string const &name, Fidel
 void addListsOption(CLI::App &command, ReadOptions &options) {
   command.add_flag("--lists", options.lists,
                    "with --from mid or low, keep plain arrays as lists of values instead of arrays");
+  command.add_option("--max-elements", options.maxElements,
+                     "the most array elements a document may declare beyond those it carries "
+                     "(default: the larger of 16M and 16 times what its text can carry)");
 }
 
 void addReadOptions(CLI::App &command, ReadOptions &options, std::string const &alias) {
@@ -149,19 +153,23 @@ VxString documentText(std::string const &file) {
   return text;
 }
 
-// The one place a document's text becomes a tree.
+// The one place a document's text becomes a tree. A document may not ask for far more memory than it
+// carries: every element takes at least two bytes of text ("1,"), so 8 elements a byte is 16 times
+// the most it can carry.
 PropertyNode parseTree(VxString const &text, ReadOptions const &options) {
-  // Plain arrays read as lists of values for now: once the lenient readers take a JsonArrays argument,
-  // pass `options.lists ? JsonArrays::asLists : JsonArrays::asVariants` to both of them here.
+  constexpr std::uint64_t leastCap = std::uint64_t(16) << 20;
+  std::uint64_t const cap = options.maxElements != 0 ? options.maxElements
+                                                     : std::max(leastCap, 8 * (std::uint64_t(text.length()) + 1));
+  JsonArrays const arrays = options.lists ? JsonArrays::asLists : JsonArrays::asVariants;
   switch (options.fidelity) {
     case Fidelity::mid:
-      return JsonFormatterMidFidelity::deserializePropertyNode(text);
+      return JsonFormatterMidFidelity::deserializePropertyNode(text, arrays, cap);
     case Fidelity::low:
-      return JsonFormatterLowFidelity::deserializePropertyNode(text);
+      return JsonFormatterLowFidelity::deserializePropertyNode(text, arrays);
     case Fidelity::full:
       break;
   }
-  return JsonFormatter::deserializePropertyNode(text);
+  return JsonFormatter::deserializePropertyNode(text, cap);
 }
 
 // The one place a tree becomes a document's text.

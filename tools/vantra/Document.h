@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace vantra {
@@ -24,12 +25,15 @@ struct ReadOptions {
   Fidelity fidelity = Fidelity::full;
   // Plain JSON arrays stay lists of values, as the lenient readers make them by default.
   bool lists = false;
+  // The most elements a document may declare beyond those it carries; 0 for the default, the larger
+  // of 16M and 16 times the most elements its text can carry.
+  std::uint64_t maxElements = 0;
 };
 
 // --from (and `alias`, when given, for the same) and --lists.
 void addReadOptions(CLI::App &command, ReadOptions &options, std::string const &alias = "");
 
-// --lists alone.
+// --lists and --max-elements.
 void addListsOption(CLI::App &command, ReadOptions &options);
 
 // The tree in FILE ("-" for standard input). A file that cannot be read or a text that is no such
