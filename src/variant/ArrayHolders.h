@@ -12,6 +12,7 @@
 
 #include <numerics/OrderingConversion.h>
 #include <variant/ElementEquality.h>
+#include <variant/HolderReference.h>
 #include <variant/VariantConversion.h>
 
 #include <algorithm>
@@ -239,7 +240,9 @@ class VectorVariantData : public CountedArrayData<T> {
                            ArrayDimensionsView dims, DataOrdering to) {
     std::uint64_t const shapeCount = elementCount(dims);
     Holder *result = allocate<Holder>(dims, to, shapeCount, nullptr, 0);
+    HolderReference guard(result);  // the walk allocates too
     convertOrdering(elements, std::min(count, shapeCount), from, result->elements(), shapeCount, dims);
+    guard.release();
     return result;
   }
 
