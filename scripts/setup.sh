@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, clang and its sanitizer runtimes for the fuzz targets
-# among them, and libc++ for the client that proves the binary boundary against another standard
-# library. Idempotent: does nothing when all are present.
+# among them, libc++ for the client that proves the binary boundary against another standard library,
+# and the llvm tools that read the coverage of the fuzz corpora. Idempotent: does nothing when all are
+# present.
 set -euo pipefail
 
 packages=(
@@ -9,7 +10,7 @@ packages=(
   nlohmann-json3-dev libutfcpp-dev
   libcli11-dev
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
-  clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev
+  clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev llvm-14
 )
 
 missing=()
