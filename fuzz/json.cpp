@@ -1,6 +1,7 @@
 // The JSON readers of the three fidelities, variant and tree, on arbitrary text. Whatever a reader accepts
 // its writer must write, and that text must read back to a value that writes the same text again. Failures
 // must be standard exceptions, never crashes.
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
@@ -11,6 +12,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
+#include <sstream>
+#include <string>
 
 using namespace Tarvex::VantraCore;
 
@@ -54,10 +57,31 @@ void roundTrip(VxString const &text, Read read) {
   if (second != first) std::abort();
 }
 
+// The stream reader must read what the text reader reads, and the frozen tree must write what the
+// mutable one writes, to a text and to a stream alike.
+template <class Formatter>
+void streamsAndFrozen(VxString const &text) {
+  PropertyNode tree;
+  try {
+    tree = Formatter::deserializePropertyNode(text);
+  } catch (std::exception const &) {
+    return;
+  }
+  std::istringstream in(std::string(text.data(), text.size()));
+  VxString const written = Formatter::serialize(tree);
+  if (Formatter::serialize(Formatter::deserializePropertyNode(in)) != written) std::abort();
+  FPropertyNode const frozen(tree);
+  std::ostringstream out;
+  Formatter::serialize(frozen, out, 1);
+  if (Formatter::serialize(frozen) != written || VxString(out.str().data(), out.str().size()) != Formatter::serialize(tree, 1))
+    std::abort();
+}
+
 template <class Formatter>
 void readerPair(VxString const &text) {
   roundTrip<Formatter>(text, [](VxString const &t) { return Formatter::deserializeVxVariant(t); });
   roundTrip<Formatter>(text, [](VxString const &t) { return Formatter::deserializePropertyNode(t); });
+  streamsAndFrozen<Formatter>(text);
 }
 
 }  // namespace
