@@ -5,6 +5,7 @@
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
+#include <VantraCore/Unit.h>
 
 #include <nlohmann/json.hpp>
 
@@ -57,8 +58,23 @@ void roundTrip(VxString const &text, Read read) {
   if (second != first) std::abort();
 }
 
+// A unit stored in a document is read from the tree: whatever the tree holds, it fails by exception.
+void storedUnit(PropertyNode const &tree) {
+  using Tarvex::VantraCore::Experimental::ReferenceTypeSemantics;
+  using Tarvex::VantraCore::Experimental::Unit;
+  try {
+    Unit const unit(tree);
+    static_cast<void>(unit.getSiUnits(ReferenceTypeSemantics()).size() +
+                      unit.getDisplayUnit(ReferenceTypeSemantics()).size() +
+                      unit.getUnitTypeReferenceString(ReferenceTypeSemantics()).size() +
+                      unit.getUnitsLabel(ReferenceTypeSemantics()).size());
+    static_cast<void>(unit.convertTo(unit, 1.0) + unit.getScale() + unit.getOffset() + unit.getLogMultiplier());
+  } catch (std::exception const &) {
+  }
+}
+
 // The stream reader must read what the text reader reads, and the frozen tree must write what the
-// mutable one writes, to a text and to a stream alike.
+// mutable one writes, to a text and to a stream alike; a unit is read from the tree.
 template <class Formatter>
 void streamsAndFrozen(VxString const &text) {
   PropertyNode tree;
@@ -70,6 +86,7 @@ void streamsAndFrozen(VxString const &text) {
   std::istringstream in(std::string(text.data(), text.size()));
   VxString const written = Formatter::serialize(tree);
   if (Formatter::serialize(Formatter::deserializePropertyNode(in)) != written) std::abort();
+  storedUnit(tree);
   FPropertyNode const frozen(tree);
   std::ostringstream out;
   Formatter::serialize(frozen, out, 1);

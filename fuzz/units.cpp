@@ -72,7 +72,12 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
                         unit.getUnitTypeReferenceString().size());
     } catch (std::runtime_error const &) {
     }
-    if (parsed) convertSamples(Unit::fromIviUnitString(text));
+    if (parsed) {
+      Unit const unit = Unit::fromIviUnitString(text);
+      convertSamples(unit);
+      // The units of its kind in the system: the first is the unit itself.
+      if (!(SystemOfUnits::instance().getCompatibleUnits(unit).front() == unit)) std::abort();
+    }
     if (parsed && !valid) std::abort();
     if (valid && !parsed && !hasExponentBeyondInt(std::string_view(text.data(), text.size()))) std::abort();
     try {
