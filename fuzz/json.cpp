@@ -101,6 +101,21 @@ void readerPair(VxString const &text) {
   streamsAndFrozen<Formatter>(text);
 }
 
+// What the full-fidelity reader accepts, variant or tree, the plainer writers must write as JSON.
+void plainerWriters(VxString const &text) {
+  PropertyNode tree;
+  VxVariant value;
+  try {
+    tree = JsonFormatter::deserializePropertyNode(text);
+    value = JsonFormatter::deserializeVxVariant(text);
+  } catch (std::exception const &) {
+  }
+  VxString const written[] = {JsonFormatterMidFidelity::serialize(tree), JsonFormatterLowFidelity::serialize(tree),
+                              JsonFormatterMidFidelity::serialize(value), JsonFormatterLowFidelity::serialize(value, 1)};
+  for (VxString const &json : written)
+    if (!nlohmann::json::accept(json.data(), json.data() + json.size())) std::abort();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
@@ -111,6 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
     readerPair<JsonFormatter>(text);
     readerPair<JsonFormatterMidFidelity>(text);
     readerPair<JsonFormatterLowFidelity>(text);
+    plainerWriters(text);
   } catch (...) {
     std::abort();
   }
