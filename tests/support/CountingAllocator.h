@@ -3,7 +3,9 @@
 // Replaces the global operator new and delete of the including program to count every allocation of
 // the process, the library's included (it calls the replaced operators of the program). Include it in
 // exactly one source file of a test program. The library allocates through operator new alone, so
-// these operators see all of its memory; the aligned forms are not replaced (nothing uses them).
+// these operators see all of its memory. The nothrow and array forms are replaced too, so that no
+// block is made by a sanitizer's allocator and freed by this one; the aligned forms are not (nothing
+// uses them).
 
 #include <algorithm>
 #include <atomic>
@@ -52,5 +54,30 @@ void operator delete(void *memory) noexcept {
   CountingAllocator::release(memory);
 }
 void operator delete(void *memory, std::size_t) noexcept {
+  CountingAllocator::release(memory);
+}
+void *operator new(std::size_t size, std::nothrow_t const &) noexcept {
+  try {
+    return ::operator new(size);
+  } catch (...) {
+    return nullptr;
+  }
+}
+void *operator new[](std::size_t size) {
+  return ::operator new(size);
+}
+void *operator new[](std::size_t size, std::nothrow_t const &tag) noexcept {
+  return ::operator new(size, tag);
+}
+void operator delete(void *memory, std::nothrow_t const &) noexcept {
+  CountingAllocator::release(memory);
+}
+void operator delete[](void *memory) noexcept {
+  CountingAllocator::release(memory);
+}
+void operator delete[](void *memory, std::size_t) noexcept {
+  CountingAllocator::release(memory);
+}
+void operator delete[](void *memory, std::nothrow_t const &) noexcept {
   CountingAllocator::release(memory);
 }
