@@ -3,7 +3,8 @@ BUILD ?= build
 PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 
-.PHONY: all setup configure build test run bench install format clean test-asan test-tsan fuzz-build fuzz fuzz-smoke
+.PHONY: all setup configure build test run bench install format clean test-asan test-tsan fuzz-build fuzz fuzz-smoke \
+  fuzz-coverage soak
 
 all: build
 
@@ -40,7 +41,7 @@ format:
 	find include src tests bench tools examples -name '*.h' -o -name '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD) $(FUZZ_COVERAGE_BUILD)
 
 # Sanitizer builds, each in a directory of its own; benchmarks are left out of them.
 ASAN_BUILD ?= build-asan
@@ -100,3 +101,26 @@ fuzz: fuzz-build
 
 fuzz-smoke:
 	@$(MAKE) --no-print-directory fuzz TIME=20
+
+# The fuzz targets built with clang's source-based coverage, no sanitizers, each run once over its
+# committed corpus; prints the line coverage of src/ and include/ per folder.
+FUZZ_COVERAGE_BUILD ?= build-fuzz-coverage
+COVERAGE_FLAGS = -fprofile-instr-generate -fcoverage-mapping
+
+$(FUZZ_COVERAGE_BUILD)/CMakeCache.txt:
+	@bash scripts/setup.sh
+	cmake -S . -B $(FUZZ_COVERAGE_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ \
+	  -DCMAKE_CXX_FLAGS="$(COVERAGE_FLAGS)" -DCMAKE_EXE_LINKER_FLAGS="$(COVERAGE_FLAGS)" -DVANTRACORE_BUILD_FUZZ=ON \
+	  -DVANTRACORE_BUILD_TESTS=OFF -DVANTRACORE_BUILD_BENCH=OFF -DVANTRACORE_BUILD_EXAMPLES=OFF \
+	  -DVANTRACORE_BUILD_TOOLS=OFF
+
+fuzz-coverage: $(FUZZ_COVERAGE_BUILD)/CMakeCache.txt
+	cmake --build $(FUZZ_COVERAGE_BUILD) -j $(JOBS) --target $(addprefix fuzz_,$(FUZZERS))
+	@bash scripts/fuzz-coverage.sh $(FUZZ_COVERAGE_BUILD) $(FUZZERS)
+
+# The stress program from eight threads for TIME seconds, under ASan and then under TSan.
+soak: $(ASAN_BUILD)/CMakeCache.txt $(TSAN_BUILD)/CMakeCache.txt
+	cmake --build $(ASAN_BUILD) -j $(JOBS) --target vantracore_soak
+	cmake --build $(TSAN_BUILD) -j $(JOBS) --target vantracore_soak
+	$(ASAN_BUILD)/tests/soak/vantracore_soak $(TIME)
+	$(TSAN_BUILD)/tests/soak/vantracore_soak $(TIME)

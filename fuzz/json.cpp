@@ -3,18 +3,24 @@
 // must be standard exceptions, never crashes. Beneath the readers, the quick parse and the library's parse
 // must agree: what the quick one takes, the library takes to the same document, numbers to the bit; what
 // the library alone takes is an integer beyond 64 bits, a byte order mark, or a text cut by a NUL byte.
+#include <VantraCore/FPropertyNode.h>
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
+#include <VantraCore/Unit.h>
 
 #include <formatting/JsonDocument.h>
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 using namespace Tarvex::VantraCore;
@@ -43,10 +49,62 @@ void roundTrip(VxString const &text, Read read) {
   if (second != first) std::abort();
 }
 
+// A unit stored in a document is read from the tree: whatever the tree holds, it fails by exception.
+void storedUnit(PropertyNode const &tree) {
+  using Tarvex::VantraCore::Experimental::ReferenceTypeSemantics;
+  using Tarvex::VantraCore::Experimental::Unit;
+  try {
+    Unit const unit(tree);
+    static_cast<void>(unit.getSiUnits(ReferenceTypeSemantics()).size() +
+                      unit.getDisplayUnit(ReferenceTypeSemantics()).size() +
+                      unit.getUnitTypeReferenceString(ReferenceTypeSemantics()).size() +
+                      unit.getUnitsLabel(ReferenceTypeSemantics()).size());
+    static_cast<void>(unit.convertTo(unit, 1.0) + unit.getScale() + unit.getOffset() + unit.getLogMultiplier());
+  } catch (std::exception const &) {
+  }
+}
+
+// The stream reader must read what the text reader reads, and the frozen tree must write what the
+// mutable one writes, to a text and to a stream alike; a unit is read from the tree.
+template <class Formatter>
+void streamsAndFrozen(VxString const &text) {
+  PropertyNode tree;
+  try {
+    tree = Formatter::deserializePropertyNode(text, fillCap);
+  } catch (std::exception const &) {
+    return;
+  }
+  std::istringstream in(std::string(text.data(), text.size()));
+  VxString const written = Formatter::serialize(tree);
+  if (Formatter::serialize(Formatter::deserializePropertyNode(in, fillCap)) != written) std::abort();
+  storedUnit(tree);
+  FPropertyNode const frozen(tree);
+  std::ostringstream out;
+  Formatter::serialize(frozen, out, 1);
+  if (Formatter::serialize(frozen) != written || VxString(out.str().data(), out.str().size()) != Formatter::serialize(tree, 1))
+    std::abort();
+}
+
 template <class Formatter>
 void readerPair(VxString const &text) {
   roundTrip<Formatter>(text, [](VxString const &t) { return Formatter::deserializeVxVariant(t, fillCap); });
   roundTrip<Formatter>(text, [](VxString const &t) { return Formatter::deserializePropertyNode(t, fillCap); });
+  streamsAndFrozen<Formatter>(text);
+}
+
+// What the full-fidelity reader accepts, variant or tree, the plainer writers must write as JSON.
+void plainerWriters(VxString const &text) {
+  PropertyNode tree;
+  VxVariant value;
+  try {
+    tree = JsonFormatter::deserializePropertyNode(text, fillCap);
+    value = JsonFormatter::deserializeVxVariant(text, fillCap);
+  } catch (std::exception const &) {
+  }
+  VxString const written[] = {JsonFormatterMidFidelity::serialize(tree), JsonFormatterLowFidelity::serialize(tree),
+                              JsonFormatterMidFidelity::serialize(value), JsonFormatterLowFidelity::serialize(value, 1)};
+  for (VxString const &json : written)
+    if (!nlohmann::json::accept(json.data(), json.data() + json.size())) std::abort();
 }
 
 // The lower fidelities, their trees with arrays read both ways.
@@ -122,6 +180,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
   try {
     readerPair<JsonFormatter>(text);
     foreignReaders(text);
+    plainerWriters(text);
   } catch (...) {
     std::abort();
   }

@@ -1,16 +1,19 @@
 // Unit texts: the validator and the parser must agree on every text, except that an exponent beyond
-// int passes the validator and fails the parser. Whatever parses converts without crashing, and the
-// lenient lookup of the system of units fails only by exception.
+// int passes the validator and fails the parser. Whatever parses converts numbers and variants without
+// crashing, and the lenient lookup of the system of units fails only by exception.
 #include <VantraCore/SystemOfUnits.h>
 #include <VantraCore/Unit.h>
 #include <VantraCore/UnitString.h>
+#include <VantraCore/VxVariant.h>
 
+#include <complex>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <limits>
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 using namespace Tarvex::VantraCore;
 using namespace Tarvex::VantraCore::Experimental;
@@ -33,6 +36,26 @@ bool hasExponentBeyondInt(std::string_view text) {
   return false;
 }
 
+// A few samples, real and complex, through both variant conversions to a unit of the same text and
+// to the volt; only the two specified messages may refuse them.
+void convertSamples(Unit const &unit) {
+  VxVariant const samples[] = {VxVariant(std::vector<double>{1, -2.5, 1e300}, {3}),
+                               VxVariant(std::vector<std::complex<double>>{{1, 2}, {0, -1}}, {2})};
+  Unit const targets[] = {unit, Unit::fromIviUnitString(VxString("V"))};
+  for (VxVariant const &value : samples)
+    for (Unit const &target : targets) {
+      try {
+        static_cast<void>(unit.convertTo(target, value));
+        static_cast<void>(unit.convertElements(target, value));
+      } catch (std::runtime_error const &error) {
+        std::string_view const message(error.what());
+        if (message.rfind("Failed convering units from ", 0) != 0 &&
+            message.rfind("To units are not commensurable - from: ", 0) != 0)
+          std::abort();
+      }
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size) {
@@ -45,7 +68,15 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
       parsed = true;
       static_cast<void>(unit.convertTo(unit, 1.0));
       static_cast<void>(unit.convertTo(Unit::fromIviUnitString(VxString("V")), 2.0));
+      static_cast<void>(unit.getSiUnits().size() + unit.getDisplayUnit().size() + unit.getUnitsLabel().size() +
+                        unit.getUnitTypeReferenceString().size());
     } catch (std::runtime_error const &) {
+    }
+    if (parsed) {
+      Unit const unit = Unit::fromIviUnitString(text);
+      convertSamples(unit);
+      // The units of its kind in the system: the first is the unit itself.
+      if (!(SystemOfUnits::instance().getCompatibleUnits(unit).front() == unit)) std::abort();
     }
     if (parsed && !valid) std::abort();
     if (valid && !parsed && !hasExponentBeyondInt(std::string_view(text.data(), text.size()))) std::abort();

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build needs, clang and its sanitizer runtimes for the fuzz targets
 # among them, libc++ for the client that proves the binary boundary against another standard library,
-# and Debian's Python with pybind11, NumPy and pytest for the Python module. Idempotent: does nothing
-# when all are present.
+# Debian's Python with pybind11, NumPy and pytest for the Python module, and the llvm tools that read
+# the coverage of the fuzz corpora. Idempotent: does nothing when all are present.
 set -euo pipefail
 
 packages=(
@@ -10,7 +10,7 @@ packages=(
   nlohmann-json3-dev libutfcpp-dev libsimdjson-dev
   libcli11-dev libcsv-dev librsvg2-bin
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
-  clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev
+  clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev llvm-14
   python3-dev pybind11-dev python3-numpy python3-pytest
 )
 

@@ -13,6 +13,7 @@
 #include <numerics/OrderingConversion.h>
 #include <variant/BulkAllocation.h>
 #include <variant/ElementEquality.h>
+#include <variant/HolderReference.h>
 #include <variant/VariantConversion.h>
 
 #include <algorithm>
@@ -253,7 +254,9 @@ class VectorVariantData : public CountedArrayData<T> {
     bool const covered = count >= shapeCount && (from == rowMajor || from == columnMajor);
     Holder *result = allocate<Holder>(dims, to, shapeCount, nullptr, 0,
                                       covered ? ElementStart::overwritten : ElementStart::defaultValued);
+    HolderReference guard(result);  // the walk allocates too
     convertOrdering(elements, std::min(count, shapeCount), from, result->elements(), shapeCount, dims);
+    guard.release();
     return result;
   }
 
