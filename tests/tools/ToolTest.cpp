@@ -105,7 +105,7 @@ TEST(ToolTest, ConvertAppliesScaleAndOffsetAndRelabels) {
         "\"_wellknowntype_\":\"double\"},\"unit\":{\"_data_\":\"m/s\",\"_wellknowntype_\":\"string\"}}\n",
         ""},
        {"convert - --at v --from kV --to mV --indent -1", scalarDocument,
-        "{\"unit\":{\"_data_\":\"mV\",\"_wellknowntype_\":\"string\"},\"v\":{\"_data_\":2500000000,"
+        "{\"unit\":{\"_data_\":\"mV\",\"_wellknowntype_\":\"string\"},\"v\":{\"_data_\":2.5e+09,"
         "\"_wellknowntype_\":\"double\"}}\n",
         "vantra: warning: 'v': converted from --from 'kV', but its \"unit\" says 'mV'\n"},
        {"convert - --at z --from Celsius --to K --indent -1",
