@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -120,6 +121,8 @@ VxVariant plainArray(JsonCursor const &cursor, std::size_t at) {
 VxVariant plainArrayOrFault(JsonCursor const &cursor, std::size_t at) {
   try {
     return plainArray(cursor, at);
+  } catch (std::bad_alloc const &) {
+    throw;
   } catch (...) {
     heterogeneous();
   }

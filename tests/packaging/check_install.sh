@@ -41,7 +41,7 @@ LD_LIBRARY_PATH="$prefix/lib" "$work/consumer_pc" "$example" | cmp - "$work/conv
 
 if [ -e "$build/tools/vantra/vantra" ]; then
   [ -x "$prefix/bin/vantra" ] || { echo "missing after install: bin/vantra"; exit 1; }
-  env -u LD_LIBRARY_PATH "$prefix/bin/vantra" convert "$example" --at channels/0/samples --to V |
+  env -u LD_LIBRARY_PATH "$prefix/bin/vantra" convert "$example" --at channels/0/samples --to V --digits 15 |
     cmp - "$work/converted.json"
 fi
 # The Python module, found by PYTHONPATH alone, must find the installed library by its RUNPATH.
