@@ -26,14 +26,14 @@ InternedStringSet::~InternedStringSet() {
   }
 }
 
-VxString const &InternedStringSet::intern(char const *text, std::uint64_t length) {
+VxString const &InternedStringSet::intern(char const *text, std::uint64_t length, std::uint64_t hash) {
   // Every byte up to `length` takes part in hash and equality, embedded NULs included. A name that is
-  // already there is found from the caller's bytes: hashed once, nothing allocated.
-  VxStringView const wanted(text, length);
-  std::uint64_t const hash = fnv1aHash(wanted);
+  // already there is found from the caller's bytes: nothing allocated.
   Node *&head = m_buckets[hash & (m_buckets.size() - 1)];
   for (Node *node = head; node != nullptr; node = node->next) {
-    if (node->hash == hash && node->value.view() == wanted) return node->value;
+    if (node->hash == hash && node->value.length() == length &&
+        (length == 0 || std::memcmp(node->value.data(), text, length) == 0))
+      return node->value;
   }
   std::unique_ptr<Node> candidate(new Node{nullptr, hash, VxString(text, length)});
 

@@ -19,7 +19,11 @@ class InternedStringSet {
   InternedStringSet &operator=(InternedStringSet const &) = delete;
 
   // The element equal to the text, added first if there is none; on any failure the set is as it was.
-  VxString const &intern(char const *text, std::uint64_t length);
+  // `hash` is fnv1aHash of the text, which a caller may work out before taking the set's lock.
+  VxString const &intern(char const *text, std::uint64_t length, std::uint64_t hash);
+  VxString const &intern(char const *text, std::uint64_t length) {
+    return intern(text, length, fnv1aHash(VxStringView(text, length)));
+  }
 
   std::uint64_t size() const noexcept { return m_size; }
   std::uint64_t bucketCount() const noexcept { return m_buckets.size(); }
