@@ -61,10 +61,12 @@ struct VxVariantStorage<VxVariantDirectStorage> {
   }
   // Whether an in-place holder is one of a plain number: bytes alone, nothing to count or destroy.
   static bool holdsPlainNumber(VxVariantDirectStorage const &storage) noexcept {
-    return holdsOneOf(holderIdentity(storage.buffer), InlineScalarKinds{});
+    void const *const identity = holderIdentity(storage.buffer);
+    // The commonest asked inline; the others out of line, or the compiler asks all of them each time.
+    return identity == inPlaceHolderIdentity<double>() || isPlainNumberHolder(identity, InlineScalarKinds{});
   }
   template <class... Kinds>
-  static bool holdsOneOf(void const *identity, TypeList<Kinds...>) noexcept {
+  [[gnu::noinline]] static bool isPlainNumberHolder(void const *identity, TypeList<Kinds...>) noexcept {
     return ((identity == inPlaceHolderIdentity<Kinds>()) || ...);
   }
 
