@@ -6,9 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <mutex>
 #include <string>
-#include <unordered_set>
 
 using namespace Tarvex::VantraCore;
 
@@ -58,27 +56,7 @@ void BM_ViewFind(benchmark::State &state) {
 }
 BENCHMARK(BM_ViewFind);
 
-char const knownName[] = "DisplayUnit";
-
-void BM_InternExistingName(benchmark::State &state) {
-  InternedString const first(knownName, sizeof knownName - 1);
-  for (auto _ : state) {
-    InternedString again(knownName, sizeof knownName - 1);
-    benchmark::DoNotOptimize(again);
-  }
-}
-BENCHMARK(BM_InternExistingName);
-
-// The reference a user would write: a locked standard set.
-void BM_InternExistingName_LockedStdSet(benchmark::State &state) {
-  std::mutex mutex;
-  std::unordered_set<std::string> names{knownName};
-  for (auto _ : state) {
-    std::lock_guard<std::mutex> const lock(mutex);
-    benchmark::DoNotOptimize(&*names.insert(std::string(knownName, sizeof knownName - 1)).first);
-  }
-}
-BENCHMARK(BM_InternExistingName_LockedStdSet);
+// Interning an existing name, beside a locked standard set, is a goal row of bench/small_goals.cpp.
 
 void BM_InternedCompare(benchmark::State &state) {
   InternedString const a("UnitTypeReferenceString"), b("UnitTypeReferenceString");

@@ -123,6 +123,10 @@ class VxVariantGeneric {
   // variant." or "Wrong data type.", then std::out_of_range "Indices out of bounds.".
   template <class T>
   T const &at(std::uint64_t position) const {
+    if (T const *value = Ops::template inPlaceValue<T>(m_storage)) {
+      if (position != 0) throw std::out_of_range("Indices out of bounds.");
+      return *value;
+    }
     WellKnownType const kind = wellKnownDataType();
     if (isNullKind(kind)) throw std::invalid_argument("Cannot access element of null variant.");
     if (!isKind<T>(kind)) throw std::invalid_argument("Wrong data type.");

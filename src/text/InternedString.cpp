@@ -40,8 +40,10 @@ Internal::InternedStringSetManager::~InternedStringSetManager() {
 
 VxStringView InternedString::create(char const *text, std::uint64_t length) {
   if (text == nullptr) length = 0;
+  // Hashed before the lock: the byte loop overlaps taking the lock, and nobody waits on it.
+  std::uint64_t const hash = Internal::fnv1aHash(VxStringView(text, length));
   std::lock_guard<std::mutex> const lock(theMutex());
-  VxString const &element = theSet().intern(text, length);
+  VxString const &element = theSet().intern(text, length, hash);
   return element.view();
 }
 

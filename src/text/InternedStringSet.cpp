@@ -26,15 +26,10 @@ InternedStringSet::~InternedStringSet() {
   }
 }
 
-VxString const &InternedStringSet::intern(char const *text, std::uint64_t length) {
-  // Every byte up to `length` takes part in hash and equality, embedded NULs included. A name that is
-  // already there is found from the caller's bytes: hashed once, nothing allocated.
-  VxStringView const wanted(text, length);
-  std::uint64_t const hash = fnv1aHash(wanted);
+// Every byte up to `length` takes part in hash and equality, embedded NULs included. A name that is
+// already there is found from the caller's bytes by find, with nothing allocated.
+VxString const &InternedStringSet::add(char const *text, std::uint64_t length, std::uint64_t hash) {
   Node *&head = m_buckets[hash & (m_buckets.size() - 1)];
-  for (Node *node = head; node != nullptr; node = node->next) {
-    if (node->hash == hash && node->value.view() == wanted) return node->value;
-  }
   std::unique_ptr<Node> candidate(new Node{nullptr, hash, VxString(text, length)});
 
   constexpr std::uint64_t maxSize = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(Node);

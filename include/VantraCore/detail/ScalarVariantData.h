@@ -4,10 +4,14 @@
 #include <VantraCore/Export.h>
 #include <VantraCore/WellKnownType.h>
 #include <VantraCore/detail/CountedHolder.h>
+#include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/detail/IVariantData.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <new>
+#include <type_traits>
 #include <utility>
 
 namespace Tarvex::VantraCore::Internal {
@@ -92,12 +96,59 @@ VANTRACORE_API IVariantData *constructVariantScalar(void *buffer, std::size_t bu
 VANTRACORE_API IVariantData *copyConstructVariantScalar(void *buffer, std::size_t bufferSize,
                                                         VxVariantDirectStorage const &source);
 
-// The holders exist for the element kinds only, and are built in the library.
+// The kinds whose in-place holder a variant builds, copies, reads and drops itself, without calling
+// the library: plain numbers, whose holders are bytes and whose types every module names alike. Their
+// vtables and members are exported, so that a holder built in any module has the one vtable of the
+// library, and its first word tells its type.
+#define VANTRACORE_INLINE_SCALAR_KINDS(X)                                                   \
+  X(double) X(float) X(std::int8_t) X(std::int16_t) X(std::int32_t) X(std::int64_t)          \
+  X(std::uint8_t) X(std::uint16_t) X(std::uint32_t) X(std::uint64_t) X(bool)
+
+#define VANTRACORE_INLINE_SCALAR_LIST_ENTRY(Type) TypeList<Type>,
+using InlineScalarKinds =
+    ConcatTypeLists<VANTRACORE_INLINE_SCALAR_KINDS(VANTRACORE_INLINE_SCALAR_LIST_ENTRY) TypeList<>>::type;
+#undef VANTRACORE_INLINE_SCALAR_LIST_ENTRY
+
+template <class T>
+inline constexpr bool isInlineScalarKind = IsInTypeList<T, InlineScalarKinds>::value;
+
+// Exactly the arithmetic element kinds, no more and no fewer.
+template <class... Kinds>
+constexpr bool inlineScalarKindsAreTheArithmeticKinds(TypeList<Kinds...>) {
+  return ((std::is_arithmetic_v<Kinds> == isInlineScalarKind<Kinds>)&&...);
+}
+static_assert(inlineScalarKindsAreTheArithmeticKinds(ElementKinds{}),
+              "the inline scalar kinds are the arithmetic element kinds");
+
+// The holders exist for the element kinds only, and are built in the library; the inline kinds' are
+// declared exported first.
+#define VANTRACORE_EXPORTED_SCALAR_HOLDERS(Type)                 \
+  extern template class VANTRACORE_API ScalarVariantData<Type>; \
+  extern template class VANTRACORE_API ScalarVariantDataNonCounted<Type>;
+VANTRACORE_INLINE_SCALAR_KINDS(VANTRACORE_EXPORTED_SCALAR_HOLDERS)
+#undef VANTRACORE_EXPORTED_SCALAR_HOLDERS
 #define VANTRACORE_EXTERN_SCALAR_HOLDERS(Type, Code, Name, MessageName) \
   extern template class ScalarVariantData<Type>;                        \
   extern template class ScalarVariantDataRefCounted<Type>;              \
   extern template class ScalarVariantDataNonCounted<Type>;
 VANTRACORE_ELEMENT_KINDS(VANTRACORE_EXTERN_SCALAR_HOLDERS)
 #undef VANTRACORE_EXTERN_SCALAR_HOLDERS
+
+// The identity of an in-place holder's type: its first word, the vtable pointer. Of the inline kinds
+// it is the same in every module, since their vtables are the library's exported ones.
+inline void const *holderIdentity(void const *holder) noexcept {
+  void const *word;
+  std::memcpy(&word, holder, sizeof word);
+  return word;
+}
+// The identity of ScalarVariantDataNonCounted<T>, read from a probe the compiler folds to the vtable
+// address.
+template <class T>
+void const *inPlaceHolderIdentity() noexcept {
+  static_assert(isInlineScalarKind<T>);
+  alignas(ScalarVariantDataNonCounted<T>) unsigned char probe[sizeof(ScalarVariantDataNonCounted<T>)];
+  new (probe) ScalarVariantDataNonCounted<T>(T());  // bytes only: nothing to destroy
+  return holderIdentity(probe);
+}
 
 }  // namespace Tarvex::VantraCore::Internal

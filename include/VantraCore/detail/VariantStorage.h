@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -49,10 +50,38 @@ struct VxVariantStorage<VxVariantDirectStorage> {
     return static_cast<void const *>(storage.data) == storage.buffer;
   }
 
+  // The value of an in-place holder of T, or null when the holder is anything else.
+  template <class T>
+  static T const *inPlaceValue(VxVariantDirectStorage const &storage) noexcept {
+    if constexpr (isInlineScalarKind<T>) {
+      if (inPlace(storage) && holderIdentity(storage.buffer) == inPlaceHolderIdentity<T>())
+        return &reinterpret_cast<ScalarVariantDataNonCounted<T> const *>(storage.buffer)->value;
+    }
+    return nullptr;
+  }
+  // Whether an in-place holder is one of a plain number: bytes alone, nothing to count or destroy.
+  static bool holdsPlainNumber(VxVariantDirectStorage const &storage) noexcept {
+    void const *const identity = holderIdentity(storage.buffer);
+    // The commonest asked inline; the others out of line, or the compiler asks all of them each time.
+    return identity == inPlaceHolderIdentity<double>() || isPlainNumberHolder(identity, InlineScalarKinds{});
+  }
+  template <class... Kinds>
+  [[gnu::noinline]] static bool isPlainNumberHolder(void const *identity, TypeList<Kinds...>) noexcept {
+    return ((identity == inPlaceHolderIdentity<Kinds>()) || ...);
+  }
+
   static IVariantData *null() noexcept { return constructVariantNull(); }
+  // Plain numbers are built here, as the library would build them; the rest by the library.
   template <class T>
   static void initScalar(VxVariantDirectStorage &storage, T value) {
-    storage.data = constructVariantScalar<T>(storage.buffer, sizeof storage.buffer, std::move(value));
+    using Holder = ScalarVariantDataNonCounted<T>;
+    static_assert(sizeof(Holder) <= sizeof storage.buffer && alignof(Holder) <= alignof(VxVariantDirectStorage));
+    if constexpr (isInlineScalarKind<T>) {
+      storage.data = new (storage.buffer) Holder(value);
+      // The buffer travels whole on copy and move: no byte of it is left unset.
+      std::memset(storage.buffer + sizeof(Holder), 0, sizeof storage.buffer - sizeof(Holder));
+    } else
+      storage.data = constructVariantScalar<T>(storage.buffer, sizeof storage.buffer, std::move(value));
   }
   template <class T>
   static IVariantData *array(T const *data, std::uint64_t count, ArrayDimensionsView dims,
@@ -88,6 +117,8 @@ struct VxVariantStorage<VxVariantDirectStorage> {
     if (!inPlace(from)) {
       if (from.data != nullptr) from.data->copy();
       to.data = from.data;
+    } else if (holdsPlainNumber(from)) {
+      copyInPlace(to, from);
     } else if (from.data->wellKnownDataType() == WellKnownTypeValue::typeString) {
       to.data = copyConstructVariantScalar(to.buffer, sizeof to.buffer, from);
     } else {
@@ -102,9 +133,9 @@ struct VxVariantStorage<VxVariantDirectStorage> {
     from.data = nullptr;
   }
   static void release(VxVariantDirectStorage &storage) noexcept {
-    if (inPlace(storage))
-      storage.data->~IVariantData();
-    else if (storage.data != nullptr)
+    if (inPlace(storage)) {
+      if (!holdsPlainNumber(storage)) storage.data->~IVariantData();
+    } else if (storage.data != nullptr)
       storage.data->destruct();
   }
 
@@ -155,6 +186,10 @@ struct VxVariantStorage<VxVariantDataSharable> {
   static constexpr bool adoptsVectors = false;
 
   static constexpr bool inPlace(VxVariantDataSharable const &) noexcept { return false; }
+  template <class T>
+  static constexpr T const *inPlaceValue(VxVariantDataSharable const &) noexcept {
+    return nullptr;
+  }
 
   // Calls one C function with a record of its own and throws on this side what it carried out.
   template <class Function, class... Args>

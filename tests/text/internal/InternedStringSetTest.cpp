@@ -68,3 +68,18 @@ TEST(InternedStringSet, FailuresLeaveTheSetAsItWas) {
   EXPECT_EQ(set.size(), 9u);
   EXPECT_EQ(&set.intern("new", 3), added);
 }
+
+// A name is found by its whole length: equal hashes of a prefix or of a longer text never match it.
+TEST(InternedStringSet, FindsByHashLengthAndEveryByte) {
+  using Tarvex::VantraCore::Internal::fnv1aHash;
+  InternedStringSet set;
+  char const text[] = "a\0b";
+  auto const *whole = &set.intern(text, 3, fnv1aHash({text, 3}));
+  auto const *prefix = &set.intern(text, 1);
+  EXPECT_NE(whole, prefix);
+  EXPECT_EQ(&set.intern(text, 3), whole);
+  EXPECT_EQ(&set.intern("a", 1, fnv1aHash({"a", 1})), prefix);
+  auto const *empty = &set.intern("", 0);
+  EXPECT_EQ(&set.intern(nullptr, 0), empty);
+  EXPECT_EQ(set.size(), 3u);
+}
