@@ -42,16 +42,16 @@ T fromFloating(double value) {
 
 template <class T>
 T number(JsonCursor const &cursor, std::size_t at, bool acceptBoolean) {
-  JsonEntry const &entry = cursor.entry(at);
+  // An absent member reads as null, so the entry is looked at only once the type says it exists.
   switch (cursor.typeOf(at)) {
     case JsonType::integer:
-      return static_cast<T>(entry.integer);
+      return static_cast<T>(cursor.entry(at).integer);
     case JsonType::unsignedInteger:
-      return static_cast<T>(entry.unsignedInteger);
+      return static_cast<T>(cursor.entry(at).unsignedInteger);
     case JsonType::floating:
-      return fromFloating<T>(entry.floating);
+      return fromFloating<T>(cursor.entry(at).floating);
     case JsonType::boolean:
-      if (acceptBoolean) return static_cast<T>(entry.boolean);
+      if (acceptBoolean) return static_cast<T>(cursor.entry(at).boolean);
       break;
     default:
       break;
