@@ -23,16 +23,6 @@ bool isNumber(JsonType type) {
   return type == JsonType::integer || type == JsonType::unsignedInteger || type == JsonType::floating;
 }
 
-double numberOf(JsonEntry const &entry) {
-  switch (entry.type) {
-    case JsonType::integer:
-      return static_cast<double>(entry.integer);
-    case JsonType::unsignedInteger:
-      return static_cast<double>(entry.unsignedInteger);
-    default:
-      return entry.floating;
-  }
-}
 
 // Any fault of a plain array, whatever its cause, is reported as this one.
 [[noreturn]] void heterogeneous() {
@@ -45,7 +35,7 @@ T plainElement(JsonCursor const &cursor, std::size_t at) {
   JsonEntry const &entry = cursor.entry(at);
   if constexpr (std::is_same_v<T, double>) {
     if (!isNumber(entry.type)) heterogeneous();
-    return numberOf(entry);
+    return numberAs<double>(entry);
   } else if constexpr (std::is_same_v<T, bool>) {
     if (entry.type != JsonType::boolean) heterogeneous();
     return entry.boolean;
@@ -208,7 +198,7 @@ VxVariant readPlainVariant(JsonCursor const &cursor, std::size_t at) {
     case JsonType::integer:
     case JsonType::unsignedInteger:
     case JsonType::floating:
-      return VxVariant(numberOf(entry));
+      return VxVariant(numberAs<double>(entry));
     case JsonType::boolean:
       return VxVariant(entry.boolean);
     case JsonType::string: {

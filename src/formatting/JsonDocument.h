@@ -45,6 +45,19 @@ struct JsonEntry {
   };
 };
 
+// The number an entry of one of the three number types holds, as T.
+template <class T>
+T numberAs(JsonEntry const &entry) {
+  switch (entry.type) {
+    case JsonType::integer:
+      return static_cast<T>(entry.integer);
+    case JsonType::unsignedInteger:
+      return static_cast<T>(entry.unsignedInteger);
+    default:
+      return static_cast<T>(entry.floating);
+  }
+}
+
 struct JsonDocument {
   std::vector<JsonEntry> entries;
   std::vector<std::string> strings;

@@ -64,14 +64,7 @@ T leafValue(JsonCursor const &cursor, std::size_t at) {
     std::string const &text = cursor.text(at);
     return VxString(text.data(), text.size());
   } else {
-    switch (entry.type) {
-      case JsonType::integer:
-        return static_cast<T>(entry.integer);
-      case JsonType::unsignedInteger:
-        return static_cast<T>(entry.unsignedInteger);
-      default:
-        return static_cast<T>(entry.floating);
-    }
+    return numberAs<T>(entry);
   }
 }
 

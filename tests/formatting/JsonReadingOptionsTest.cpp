@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/FullText.h>
 #include <support/Throws.h>
 
 #include <cstdint>
@@ -19,13 +20,6 @@ using Mid = JsonFormatterMidFidelity;
 
 namespace {
 
-// Compared by full-fidelity text, which shows kind, shape and ordering.
-std::string full(PropertyNode const &node) {
-  return JsonFormatter::serialize(node).data();
-}
-std::string full(VxVariant const &value) {
-  return JsonFormatter::serialize(value).data();
-}
 std::string asVariants(char const *text) {
   return full(Low::deserializePropertyNode(VxString(text), JsonArrays::asVariants));
 }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <support/FullText.h>
 #include <support/Throws.h>
 
 #include <cmath>
@@ -19,13 +20,6 @@ using Mid = JsonFormatterMidFidelity;
 
 namespace {
 
-// Results are compared by their full-fidelity documents, which show kind, shape and ordering.
-std::string full(VxVariant const &value) {
-  return JsonFormatter::serialize(value).data();
-}
-std::string full(PropertyNode const &node) {
-  return JsonFormatter::serialize(node).data();
-}
 std::string low(VxVariant const &value) {
   return Low::serialize(value).data();
 }
