@@ -32,15 +32,15 @@ bool isNumber(JsonType type) {
 // The element kinds a plain array can hold, with the JSON type each takes.
 template <class T>
 T plainElement(JsonCursor const &cursor, std::size_t at) {
-  JsonEntry const &entry = cursor.entry(at);
+  JsonType const type = cursor.typeOf(at);
   if constexpr (std::is_same_v<T, double>) {
-    if (!isNumber(entry.type)) heterogeneous();
-    return numberAs<double>(entry);
+    if (!isNumber(type)) heterogeneous();
+    return cursor.numberAs<double>(at);
   } else if constexpr (std::is_same_v<T, bool>) {
-    if (entry.type != JsonType::boolean) heterogeneous();
-    return entry.boolean;
+    if (type != JsonType::boolean) heterogeneous();
+    return cursor.boolean(at);
   } else {
-    std::string const &text = cursor.text(at);
+    std::string_view const text = cursor.text(at);
     return VxString(text.data(), text.size());
   }
 }
@@ -193,16 +193,15 @@ PropertyNode readTree(JsonCursor const &cursor, std::size_t at, bool metadata) {
 }  // namespace
 
 VxVariant readPlainVariant(JsonCursor const &cursor, std::size_t at) {
-  JsonEntry const &entry = cursor.entry(at);
-  switch (entry.type) {
+  switch (cursor.typeOf(at)) {
     case JsonType::integer:
     case JsonType::unsignedInteger:
     case JsonType::floating:
-      return VxVariant(numberAs<double>(entry));
+      return VxVariant(cursor.numberAs<double>(at));
     case JsonType::boolean:
-      return VxVariant(entry.boolean);
+      return VxVariant(cursor.boolean(at));
     case JsonType::string: {
-      std::string const &text = cursor.text(at);
+      std::string_view const text = cursor.text(at);
       return VxVariant(VxString(text.data(), text.size()));
     }
     case JsonType::array:

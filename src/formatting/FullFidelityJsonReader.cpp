@@ -45,13 +45,13 @@ T number(JsonCursor const &cursor, std::size_t at, bool acceptBoolean) {
   // An absent member reads as null, so the entry is looked at only once the type says it exists.
   switch (cursor.typeOf(at)) {
     case JsonType::integer:
-      return static_cast<T>(cursor.entry(at).integer);
+      return static_cast<T>(cursor.integer(at));
     case JsonType::unsignedInteger:
-      return static_cast<T>(cursor.entry(at).unsignedInteger);
+      return static_cast<T>(cursor.unsignedInteger(at));
     case JsonType::floating:
-      return fromFloating<T>(cursor.entry(at).floating);
+      return fromFloating<T>(cursor.floating(at));
     case JsonType::boolean:
-      if (acceptBoolean) return static_cast<T>(cursor.entry(at).boolean);
+      if (acceptBoolean) return static_cast<T>(cursor.boolean(at));
       break;
     default:
       break;
@@ -71,9 +71,9 @@ template <class T>
 T element(JsonCursor const &cursor, std::size_t at) {
   if constexpr (std::is_same_v<T, bool>) {
     if (cursor.typeOf(at) != JsonType::boolean) cursor.typeMustBe("boolean", at);
-    return cursor.entry(at).boolean;
+    return cursor.boolean(at);
   } else if constexpr (std::is_same_v<T, VxString>) {
-    std::string const &value = cursor.text(at);
+    std::string_view const value = cursor.text(at);
     return VxString(value.data(), value.size());
   } else if constexpr (isComplexElement<T>) {
     using Part = typename PartOf<T>::type;
@@ -131,7 +131,7 @@ VxVariant documentVariant(JsonCursor const &cursor, std::size_t at, std::size_t 
 }  // namespace
 
 WellKnownType readKind(JsonCursor const &cursor, std::size_t at) {
-  std::string const &name = cursor.text(at);
+  std::string_view const name = cursor.text(at);
   return WellKnownType(VxStringView(name.data(), name.size()));
 }
 
@@ -146,9 +146,9 @@ std::vector<std::uint64_t> readDimensions(JsonCursor const &cursor, std::size_t 
 DataOrdering readDataOrder(JsonCursor const &cursor, std::size_t object, DataOrderWording wording) {
   std::size_t const order = cursor.member(object, JsonKey::dataOrder);
   if (order == JsonCursor::absent) return rowMajor;
-  std::string const &name = cursor.text(order);
+  std::string_view const name = cursor.text(order);
   if (name == JsonKey::columnMajor) return columnMajor;
-  if (name != JsonKey::rowMajor) throw std::runtime_error(wording.before + name + wording.after);
+  if (name != JsonKey::rowMajor) throw std::runtime_error(wording.before + std::string(name) + wording.after);
   return rowMajor;
 }
 

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <cstring>
 #include <vector>
 
 namespace Tarvex::VantraCore::Internal {
@@ -19,23 +21,22 @@ std::uint64_t JsonCursor::itemCount(std::size_t container) const {
 std::size_t JsonCursor::member(std::size_t object, char const *name) const {
   if (typeOf(object) != JsonType::object) return absent;
   std::size_t found = absent;
-  for (std::size_t key = object + 1; key < m_entries[object].end; key = next(key + 1)) {
-    if (m_strings[m_entries[key].stringIndex] == name) found = key + 1;
+  for (std::size_t key = object + 1; key < end(object); key = next(key + 1)) {
+    if (stringAt(key) == name) found = key + 1;
   }
   return found;
 }
 
-std::vector<std::pair<std::string const *, std::size_t>> JsonCursor::members(std::size_t object) const {
-  std::vector<std::pair<std::string const *, std::size_t>> result;
-  for (std::size_t key = object + 1; key < m_entries[object].end; key = next(key + 1)) {
-    result.emplace_back(&m_strings[m_entries[key].stringIndex], key + 1);
+std::vector<std::pair<std::string_view, std::size_t>> JsonCursor::members(std::size_t object) const {
+  std::vector<std::pair<std::string_view, std::size_t>> result;
+  for (std::size_t key = object + 1; key < end(object); key = next(key + 1)) {
+    result.emplace_back(stringAt(key), key + 1);
   }
   // The library's object is a map sorted byte-wise in which a repeated key keeps its last value.
-  std::stable_sort(result.begin(), result.end(),
-                   [](auto const &a, auto const &b) { return *a.first < *b.first; });
+  std::stable_sort(result.begin(), result.end(), [](auto const &a, auto const &b) { return a.first < b.first; });
   std::size_t kept = 0;
   for (std::size_t i = 0; i < result.size(); ++i) {
-    if (i + 1 < result.size() && *result[i + 1].first == *result[i].first) continue;
+    if (i + 1 < result.size() && result[i + 1].first == result[i].first) continue;
     result[kept++] = result[i];
   }
   result.resize(kept);
@@ -80,9 +81,56 @@ void JsonCursor::typeMustBe(char const *wanted, std::size_t at) const {
   throw std::domain_error(std::string("type must be ") + wanted + ", but is " + typeName(at));
 }
 
-std::string const &JsonCursor::text(std::size_t at) const {
+std::string_view JsonCursor::text(std::size_t at) const {
   if (typeOf(at) != JsonType::string) typeMustBe("string", at);
-  return m_strings[m_entries[at].stringIndex];
+  return stringAt(at);
+}
+
+namespace {
+
+// A word's kind, with the integers that read as unsigned named so: the library's -0 and the quick
+// parse's 0 are the same number.
+char numberClassOf(std::uint64_t const *tape, std::size_t at) {
+  auto const kind = static_cast<char>(tape[at] >> JsonTape::typeShift);
+  bool const integer = kind == JsonTape::signedInteger || kind == JsonTape::signedZero;
+  return integer && static_cast<std::int64_t>(tape[at + 1]) >= 0 ? JsonTape::unsignedInteger : kind;
+}
+
+std::string_view stringOf(JsonDocument const &document, std::size_t at) {
+  std::uint8_t const *const start = document.strings + (document.tape[at] & JsonTape::payloadMask);
+  std::uint32_t length;
+  std::memcpy(&length, start, sizeof length);
+  return std::string_view(reinterpret_cast<char const *>(start + sizeof length), length);
+}
+
+}  // namespace
+
+bool sameJsonDocument(JsonDocument const &a, JsonDocument const &b) {
+  std::size_t const length = static_cast<std::size_t>(a.tape[0] & JsonTape::payloadMask);
+  if (length != (b.tape[0] & JsonTape::payloadMask)) return false;
+  for (std::size_t at = 1; at + 1 < length; ++at) {
+    char const kind = numberClassOf(a.tape, at);
+    if (kind != numberClassOf(b.tape, at)) return false;
+    switch (kind) {
+      case JsonTape::string:
+        if (stringOf(a, at) != stringOf(b, at)) return false;
+        break;
+      case JsonTape::array:
+      case JsonTape::object:
+        if ((a.tape[at] & a.endMask) != (b.tape[at] & b.endMask)) return false;
+        break;
+      case JsonTape::signedInteger:
+      case JsonTape::signedZero:
+      case JsonTape::unsignedInteger:
+      case JsonTape::floating:
+        ++at;
+        if (a.tape[at] != b.tape[at]) return false;
+        break;
+      default:  // the constants and the closing words, whose payloads point back to their openings
+        if (a.tape[at] != b.tape[at]) return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace Tarvex::VantraCore::Internal

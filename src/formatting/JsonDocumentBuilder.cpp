@@ -2,14 +2,16 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-// The library's parse: the JSON library's parser fills the flat document through its event interface.
+// The library's parse: the JSON library's parser writes the document's tape through its event interface.
 // Slower than the quick parse, it words every refusal; nesting beyond the limit is refused here too.
 namespace Tarvex::VantraCore::Internal {
 namespace {
@@ -24,91 +26,97 @@ std::string withoutLibraryPrefix(char const *what) {
   return result;
 }
 
+// The tape and the string buffer that the library's parse writes, owned by its document.
+struct LibraryTape {
+  std::vector<std::uint64_t> tape;
+  std::vector<std::uint8_t> strings;
+};
+
 class DocumentBuilder {
  public:
-  explicit DocumentBuilder(JsonDocument &document) : m_document(document) {}
+  explicit DocumentBuilder(LibraryTape &out) : m_out(out) { m_out.tape.push_back(0); }
 
-  bool null() {
-    push(JsonType::null).unsignedInteger = 0;
-    return true;
-  }
-  bool boolean(bool value) {
-    push(JsonType::boolean).boolean = value;
-    return true;
-  }
+  bool null() { return constant(JsonTape::null); }
+  bool boolean(bool value) { return constant(value ? JsonTape::trueValue : JsonTape::falseValue); }
   bool number_integer(std::int64_t value) {
-    push(JsonType::integer).integer = value;
-    return true;
+    return number(value == 0 ? JsonTape::signedZero : JsonTape::signedInteger, static_cast<std::uint64_t>(value));
   }
-  bool number_unsigned(std::uint64_t value) {
-    push(JsonType::unsignedInteger).unsignedInteger = value;
-    return true;
-  }
+  bool number_unsigned(std::uint64_t value) { return number(JsonTape::unsignedInteger, value); }
   bool number_float(double value, std::string const &) {
-    push(JsonType::floating).floating = value;
-    return true;
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return number(JsonTape::floating, bits);
   }
   bool string(std::string &value) {
-    pushString(JsonType::string, value);
+    m_out.tape.push_back(JsonTape::word(JsonTape::string, m_out.strings.size()));
+    auto const length = static_cast<std::uint32_t>(value.size());
+    if (length != value.size()) throw std::length_error("parse error - string longer than 4 GiB");
+    std::uint8_t bytes[sizeof length];
+    std::memcpy(bytes, &length, sizeof length);
+    m_out.strings.insert(m_out.strings.end(), bytes, bytes + sizeof length);
+    m_out.strings.insert(m_out.strings.end(), value.begin(), value.end());
+    m_out.strings.push_back(0);
     return true;
   }
-  bool key(std::string &value) {
-    pushString(JsonType::key, value);
-    return true;
-  }
+  bool key(std::string &value) { return string(value); }
   bool binary(nlohmann::json::binary_t &) { return true; }  // text has no binary values
-  bool start_object(std::size_t) {
-    open(JsonType::object);
-    return true;
-  }
-  bool start_array(std::size_t) {
-    open(JsonType::array);
-    return true;
-  }
-  bool end_object() {
-    close();
-    return true;
-  }
-  bool end_array() {
-    close();
-    return true;
-  }
+  bool start_object(std::size_t) { return open(JsonTape::object); }
+  bool start_array(std::size_t) { return open(JsonTape::array); }
+  bool end_object() { return close(JsonTape::objectEnd); }
+  bool end_array() { return close(JsonTape::arrayEnd); }
   bool parse_error(std::size_t, std::string const &, nlohmann::detail::exception const &error) {
     throw std::invalid_argument(withoutLibraryPrefix(error.what()));
   }
 
+  void finish() {
+    std::size_t const length = m_out.tape.size() + 1;
+    m_out.tape[0] = JsonTape::word(JsonTape::root, length);
+    m_out.tape.push_back(JsonTape::word(JsonTape::root, 0));
+  }
+
  private:
-  JsonEntry &push(JsonType type) {
-    m_document.entries.push_back(JsonEntry{type, {}});
-    return m_document.entries.back();
+  bool constant(char kind) {
+    m_out.tape.push_back(JsonTape::word(kind, 0));
+    return true;
   }
-  void pushString(JsonType type, std::string &value) {
-    push(type).stringIndex = m_document.strings.size();
-    m_document.strings.push_back(std::move(value));
+  bool number(char kind, std::uint64_t bits) {
+    m_out.tape.push_back(JsonTape::word(kind, 0));
+    m_out.tape.push_back(bits);
+    return true;
   }
-  void open(JsonType type) {
+  bool open(char kind) {
     if (m_open.size() >= jsonReaderMaxDepth) {
       throw std::invalid_argument("parse error - document nested deeper than " +
                                   std::to_string(jsonReaderMaxDepth) + " levels");
     }
-    m_open.push_back(m_document.entries.size());
-    push(type);
+    m_open.push_back(m_out.tape.size());
+    m_out.tape.push_back(JsonTape::word(kind, 0));
+    return true;
   }
-  void close() {
-    m_document.entries[m_open.back()].end = m_document.entries.size();
+  // The opening word learns where its container ends; the closing one points back to it.
+  bool close(char kind) {
+    std::size_t const opening = m_open.back();
     m_open.pop_back();
+    m_out.tape.push_back(JsonTape::word(kind, opening));
+    m_out.tape[opening] |= m_out.tape.size();
+    return true;
   }
 
-  JsonDocument &m_document;
+  LibraryTape &m_out;
   std::vector<std::size_t> m_open;
 };
 
 }  // namespace
 
 JsonDocument parseJsonDocumentByLibrary(std::string_view text) {
-  JsonDocument document;
-  DocumentBuilder builder(document);
+  auto out = std::make_shared<LibraryTape>();
+  DocumentBuilder builder(*out);
   nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &builder);
+  builder.finish();
+  JsonDocument document;
+  document.tape = out->tape.data();
+  document.strings = out->strings.data();
+  document.owner = std::move(out);
   return document;
 }
 

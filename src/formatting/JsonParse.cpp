@@ -1,4 +1,5 @@
 #include <formatting/JsonDocument.h>
+#include <text/StringTailRoom.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -59,7 +60,7 @@ JsonDocument parseJsonDocument(std::istream &in) {
 }
 
 JsonDocument parseJsonDocument(VxString const &text) {
-  return parseText(std::string_view(text.data(), text.length()), text.length());
+  return parseText(std::string_view(text.data(), text.length()), text.length() + readableBehindText(text.length()));
 }
 
 }  // namespace Tarvex::VantraCore::Internal

@@ -1,142 +1,113 @@
 #include <formatting/JsonDocument.h>
 
+#include <variant/BulkAllocation.h>
+
 #include <simdjson.h>
+
+#include <sys/mman.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <string>
 #include <string_view>
 
-// The quick parse: a SIMD parser reads the text, and its tree is copied into the flat document. It only
+// The quick parse: a SIMD parser reads the text, and the readers walk its tape where it lies. It only
 // says yes or no; a refused text goes to the library's parse, which words the refusal.
 namespace Tarvex::VantraCore::Internal {
 namespace {
 
 namespace dom = simdjson::dom;
 
-class QuickDocumentBuilder {
- public:
-  explicit QuickDocumentBuilder(JsonDocument &document) : m_document(document) {}
+// Small texts reuse one parser per thread: fresh buffers would first fault in as many pages as the
+// text takes, each time. The buffers run to about 13 times the text for a run of short numbers, so a
+// large text gets buffers of its own, released with its document: a host thread that once read a large
+// document must not hold on to hundreds of megabytes.
+constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
 
-  // False for nesting beyond the limit.
-  bool value(dom::element const &element, std::size_t depth) {
-    switch (element.type()) {
-      case dom::element_type::ARRAY: {
-        if (depth >= jsonReaderMaxDepth) return false;
-        std::size_t const at = open(JsonType::array);
-        dom::array items;
-        if (element.get(items) != simdjson::SUCCESS) return false;
-        for (dom::element const item : items)
-          if (!value(item, depth + 1)) return false;
-        return close(at);
-      }
-      case dom::element_type::OBJECT: {
-        if (depth >= jsonReaderMaxDepth) return false;
-        std::size_t const at = open(JsonType::object);
-        dom::object members;
-        if (element.get(members) != simdjson::SUCCESS) return false;
-        for (dom::key_value_pair const member : members) {
-          pushString(JsonType::key, member.key);
-          if (!value(member.value, depth + 1)) return false;
-        }
-        return close(at);
-      }
-      case dom::element_type::INT64: {
-        // The library reads every integer without a sign as unsigned; so does this document.
-        std::int64_t const number = element.get_int64().value_unsafe();
-        if (number < 0) {
-          push(JsonType::integer).integer = number;
-        } else {
-          push(JsonType::unsignedInteger).unsignedInteger = static_cast<std::uint64_t>(number);
-        }
-        return true;
-      }
-      case dom::element_type::UINT64:
-        push(JsonType::unsignedInteger).unsignedInteger = element.get_uint64().value_unsafe();
-        return true;
-      case dom::element_type::DOUBLE:
-        push(JsonType::floating).floating = element.get_double().value_unsafe();
-        return true;
-      case dom::element_type::STRING:
-        pushString(JsonType::string, element.get_string().value_unsafe());
-        return true;
-      case dom::element_type::BOOL:
-        push(JsonType::boolean).boolean = element.get_bool().value_unsafe();
-        return true;
-      case dom::element_type::NULL_VALUE:
-        break;
+// A text with too little room behind it for the parser's reads, copied with that room.
+class PaddedCopy {
+ public:
+  PaddedCopy() = default;
+  PaddedCopy(PaddedCopy const &) = delete;
+  PaddedCopy &operator=(PaddedCopy const &) = delete;
+  ~PaddedCopy() { releaseBulk(m_memory); }
+
+  std::string_view of(std::string_view text) {
+    std::size_t const needed = text.size() + simdjson::SIMDJSON_PADDING;
+    if (m_capacity < needed) {
+      releaseBulk(m_memory);
+      m_memory = nullptr;
+      m_memory = allocateBulk(needed).memory;
+      m_capacity = needed;
     }
-    push(JsonType::null).unsignedInteger = 0;
-    return true;
+    auto *const copy = static_cast<char *>(m_memory);
+    std::memcpy(copy, text.data(), text.size());
+    std::memset(copy + text.size(), 0, simdjson::SIMDJSON_PADDING);
+    return std::string_view(copy, text.size());
   }
 
  private:
-  JsonEntry &push(JsonType type) {
-    m_document.entries.push_back(JsonEntry{type, {}});
-    return m_document.entries.back();
-  }
-  void pushString(JsonType type, std::string_view text) {
-    push(type).stringIndex = m_document.strings.size();
-    m_document.strings.emplace_back(text);
-  }
-  std::size_t open(JsonType type) {
-    push(type);
-    return m_document.entries.size() - 1;
-  }
-  bool close(std::size_t at) {
-    m_document.entries[at].end = m_document.entries.size();
-    return true;
-  }
-
-  JsonDocument &m_document;
+  void *m_memory = nullptr;
+  std::size_t m_capacity = 0;
 };
 
-// The parser keeps its buffers from text to text, and so does the copy of a text with too little room
-// behind it: fresh ones would first fault in as many pages as the text takes, each time. The parser's
-// buffers run to about 13 times the text for a run of short numbers, so only small texts reuse them: a
-// host thread that once read a large document must not hold on to hundreds of megabytes.
-constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
-
-struct ReusedBuffers {
+struct ParseBuffers {
   dom::parser parser;
-  std::unique_ptr<char[]> copy;
-  std::size_t copyCapacity = 0;
-
-  std::string_view padded(std::string_view text) {
-    std::size_t const needed = text.size() + simdjson::SIMDJSON_PADDING;
-    if (copyCapacity < needed) {
-      copy.reset(new char[needed]);
-      copyCapacity = needed;
-    }
-    std::memcpy(copy.get(), text.data(), text.size());
-    std::memset(copy.get() + text.size(), 0, simdjson::SIMDJSON_PADDING);
-    return std::string_view(copy.get(), text.size());
-  }
+  PaddedCopy copy;
+  bool busy = false;
 };
+
+// Huge pages for a large text's fresh buffers, where the kernel grants them: a buffer then faults in
+// a page per 2 MiB instead of per 4 KiB. The advice covers the whole pages inside each buffer.
+void adviseHugePages(void const *start, std::size_t bytes) {
+  constexpr std::uintptr_t page = 4096;
+  auto const first = (reinterpret_cast<std::uintptr_t>(start) + page - 1) & ~(page - 1);
+  auto const last = (reinterpret_cast<std::uintptr_t>(start) + bytes) & ~(page - 1);
+  if (last > first) madvise(reinterpret_cast<void *>(first), last - first, MADV_HUGEPAGE);
+}
+
+bool allocateForLargeText(dom::parser &parser, std::size_t size) {
+  if (parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) return false;
+  // The sizes the parser gives its buffers for a capacity of `size`.
+  adviseHugePages(parser.doc.tape.get(), (size + 3) * sizeof(std::uint64_t));
+  adviseHugePages(parser.doc.string_buf.get(), 5 * size / 3);
+  adviseHugePages(parser.implementation->structural_indexes.get(), size * sizeof(std::uint32_t));
+  return true;
+}
+
+// The parser buffers for one text: the thread's own when the text is small and they are free, else
+// fresh ones. The owner gives the thread's buffers back when the document goes.
+std::shared_ptr<ParseBuffers> buffersFor(std::size_t size) {
+  thread_local ParseBuffers reused;
+  if (size <= reusedCapacity && !reused.busy) {
+    // The parser grows to the texts it meets, keeping the depth it was given first.
+    if (reused.parser.max_depth() != jsonReaderMaxDepth &&
+        reused.parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) {
+      return nullptr;
+    }
+    reused.busy = true;
+    return std::shared_ptr<ParseBuffers>(&reused, [](ParseBuffers *buffers) { buffers->busy = false; });
+  }
+  auto fresh = std::make_shared<ParseBuffers>();
+  if (!allocateForLargeText(fresh->parser, size)) return nullptr;
+  return fresh;
+}
 
 }  // namespace
 
 bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonDocument &document) {
-  thread_local ReusedBuffers reused;
-  dom::parser ownParser;
-  bool const reuse = text.size() <= reusedCapacity;
-  dom::parser &parser = reuse ? reused.parser : ownParser;
-  bool const padded = capacity >= text.size() + simdjson::SIMDJSON_PADDING;
-  if (!padded && reuse) text = reused.padded(text);
+  std::shared_ptr<ParseBuffers> const buffers = buffersFor(text.size());
+  if (buffers == nullptr) return false;
+  if (capacity < text.size() + simdjson::SIMDJSON_PADDING) text = buffers->copy.of(text);
   dom::element root;
-  simdjson::error_code const error =
-      padded || reuse ? parser.parse(text.data(), text.size(), false).get(root)
-                      : parser.parse(text.data(), text.size(), true).get(root);
-  if (error != simdjson::SUCCESS) return false;
-  // Every entry of the flat document takes at least one word of the parser's tape, whose first word
-  // holds the tape's length.
-  document.entries.reserve(static_cast<std::size_t>(parser.doc.tape[0] & 0xffffffffffffffu));
-  QuickDocumentBuilder builder(document);
-  if (builder.value(root, 0)) return true;
-  document = JsonDocument();
-  return false;
+  if (buffers->parser.parse(text.data(), text.size(), false).get(root) != simdjson::SUCCESS) return false;
+  document.tape = buffers->parser.doc.tape.get();
+  document.strings = buffers->parser.doc.string_buf.get();
+  // A container's word holds a count above the 32 bits of its end.
+  document.endMask = 0xffffffffu;
+  document.owner = buffers;
+  return true;
 }
 
 }  // namespace Tarvex::VantraCore::Internal

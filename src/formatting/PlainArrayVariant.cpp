@@ -40,15 +40,15 @@ bool conforms(JsonCursor const &cursor, std::size_t at, std::vector<std::uint64_
   std::uint64_t count = 0;
   for (std::size_t item = at + 1; item < cursor.end(at); item = cursor.next(item)) {
     if (++count > dims[depth]) return false;
-    JsonEntry const &entry = cursor.entry(item);
+    JsonType const type = cursor.typeOf(item);
     if (!innermost) {
-      if (entry.type != JsonType::array || !conforms(cursor, item, dims, depth + 1, leaves)) return false;
+      if (type != JsonType::array || !conforms(cursor, item, dims, depth + 1, leaves)) return false;
       continue;
     }
-    if (leafType(entry.type) != leaves.type) return false;
-    if (entry.type == JsonType::floating ||
-        (entry.type == JsonType::unsignedInteger &&
-         entry.unsignedInteger > std::uint64_t(std::numeric_limits<std::int64_t>::max()))) {
+    if (leafType(type) != leaves.type) return false;
+    if (type == JsonType::floating ||
+        (type == JsonType::unsignedInteger &&
+         cursor.unsignedInteger(item) > std::uint64_t(std::numeric_limits<std::int64_t>::max()))) {
       leaves.integers = false;
     }
   }
@@ -57,24 +57,32 @@ bool conforms(JsonCursor const &cursor, std::size_t at, std::vector<std::uint64_
 
 template <class T>
 T leafValue(JsonCursor const &cursor, std::size_t at) {
-  JsonEntry const &entry = cursor.entry(at);
   if constexpr (std::is_same_v<T, bool>) {
-    return entry.boolean;
+    return cursor.boolean(at);
   } else if constexpr (std::is_same_v<T, VxString>) {
-    std::string const &text = cursor.text(at);
+    std::string_view const text = cursor.text(at);
     return VxString(text.data(), text.size());
   } else {
-    return numberAs<T>(entry);
+    return cursor.numberAs<T>(at);
   }
 }
 
-// The leaves of a conforming array are its entries that are not arrays, in row-major order.
+// The leaves of a conforming array are its values that are not arrays, in row-major order.
 template <class T>
 VxVariant filled(JsonCursor const &cursor, std::size_t at, std::vector<std::uint64_t> dims) {
   VxVariant result = VxVariant::withShape<T>(std::move(dims), rowMajor);
   T *out = result.mutableStoredData<T>();
-  for (std::size_t item = at + 1; item < cursor.end(at); ++item)
-    if (cursor.typeOf(item) != JsonType::array) *out++ = leafValue<T>(cursor, item);
+  for (std::size_t item = at + 1; item < cursor.end(at);) {
+    switch (cursor.typeOf(item)) {
+      case JsonType::array:  // into it
+      case JsonType::null:   // past a closing word: a conforming array has no null leaves
+        ++item;
+        break;
+      default:
+        *out++ = leafValue<T>(cursor, item);
+        item = cursor.next(item);
+    }
+  }
   return result;
 }
 

@@ -1,4 +1,5 @@
 #include <VantraCore/VxString.h>
+#include <text/StringTailRoom.h>
 #include <text/TransportGuard.h>
 
 #include <atomic>
@@ -32,13 +33,17 @@ using Tarvex::VantraCore::Internal::VxStringRecordAndText;
 namespace {
 
 // Lengths that are negative as signed numbers are refused before the allocator is asked; that also
-// keeps length + 17 from wrapping.
-constexpr std::uint64_t maxLength = 0x7FFFFFFFFFFFFFFFull - sizeof(VxStringRecord) - 1;
+// keeps the record's size from wrapping.
+constexpr std::uint64_t maxLength =
+    0x7FFFFFFFFFFFFFFFull - sizeof(VxStringRecord) - Tarvex::VantraCore::Internal::readableBehindText(~0ull);
 
 VxStringRecord *allocateRecord(std::uint64_t length) {
   if (length > maxLength) throw std::bad_alloc();
-  void *memory = ::operator new(sizeof(VxStringRecord) + length + 1);
+  std::uint64_t const behind = Tarvex::VantraCore::Internal::readableBehindText(length);
+  void *memory = ::operator new(sizeof(VxStringRecord) + length + behind);
   auto *record = new (memory) VxStringRecord;
+  // The room behind the NUL is zeroed, so that whoever reads it reads defined bytes.
+  std::memset(record->text() + length + 1, 0, behind - 1);
   record->count.store(1);
   record->padding = 0;
   record->length = length;
