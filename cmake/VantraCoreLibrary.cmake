@@ -5,6 +5,8 @@ find_package(utf8cpp CONFIG REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
 # The quick JSON parse; private to the library, so that neither its headers nor the package need it.
 find_package(simdjson CONFIG REQUIRED)
+# The shortest digits of a double; header-only, so the library needs no more at run time than before.
+find_package(fmt CONFIG REQUIRED)
 
 file(GLOB_RECURSE VANTRACORE_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
 file(GLOB_RECURSE VANTRACORE_PUBLIC_HEADERS CONFIGURE_DEPENDS
@@ -30,7 +32,7 @@ target_include_directories(VantraCoreObjects
   PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreObjects PUBLIC cxx_std_17)
 target_link_libraries(VantraCoreObjects PUBLIC Threads::Threads
-  PRIVATE VantraCoreWarnings utf8cpp nlohmann_json::nlohmann_json simdjson::simdjson)
+  PRIVATE VantraCoreWarnings utf8cpp nlohmann_json::nlohmann_json simdjson::simdjson fmt::fmt-header-only)
 
 add_library(VantraCore SHARED $<TARGET_OBJECTS:VantraCoreObjects>)
 add_library(VantraCore::VantraCore ALIAS VantraCore)
@@ -48,7 +50,7 @@ target_include_directories(VantraCoreInternal
   PUBLIC ${PROJECT_SOURCE_DIR}/include ${VANTRACORE_GENERATED_INCLUDE_DIR} ${PROJECT_SOURCE_DIR}/src)
 target_compile_features(VantraCoreInternal PUBLIC cxx_std_17)
 target_link_libraries(VantraCoreInternal PUBLIC Threads::Threads utf8cpp nlohmann_json::nlohmann_json
-  simdjson::simdjson)
+  simdjson::simdjson fmt::fmt-header-only)
 
 # Hidden visibility keeps our internals private; the version script also keeps the standard
 # library's template instances (which default to visible) out of the dynamic symbol table.

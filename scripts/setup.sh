@@ -7,7 +7,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build pkg-config ccache
-  nlohmann-json3-dev libutfcpp-dev libsimdjson-dev
+  nlohmann-json3-dev libutfcpp-dev libsimdjson-dev libfmt-dev
   libcli11-dev libcsv-dev librsvg2-bin
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
   clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev llvm-14

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <fmt/format.h>
+
 namespace Tarvex::VantraCore::Internal {
 
 namespace {
@@ -56,6 +58,65 @@ char const digitPairs[] =
     "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
     "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
+// Writes the decimal digits of `value` to end at `end`, and returns where they start. Blocks of eight
+// digits in 32-bit arithmetic keep the chain of divisions short.
+char *digitsEndingAt(std::uint64_t value, char *end) {
+  while (value >= 100000000) {
+    auto block = static_cast<std::uint32_t>(value % 100000000);
+    value /= 100000000;
+    for (int pair = 0; pair < 4; ++pair, block /= 100) {
+      end -= 2;
+      std::memcpy(end, digitPairs + 2 * (block % 100), 2);
+    }
+  }
+  auto rest = static_cast<std::uint32_t>(value);
+  for (; rest >= 100; rest /= 100) {
+    end -= 2;
+    std::memcpy(end, digitPairs + 2 * (rest % 100), 2);
+  }
+  if (rest >= 10) {
+    end -= 2;
+    std::memcpy(end, digitPairs + 2 * rest, 2);
+  } else {
+    *--end = static_cast<char>('0' + rest);
+  }
+  return end;
+}
+
+// `count` digits of `text`, the first of them at the decimal `exponent`, in scientific or fixed
+// notation as printf writes them.
+std::size_t layOut(bool negative, char const *text, int count, int exponent, bool scientific, char *out) {
+  char *end = out;
+  if (negative) *end++ = '-';
+  if (scientific) {
+    *end++ = text[0];
+    if (count > 1) {
+      *end++ = '.';
+      end = std::copy(text + 1, text + count, end);
+    }
+    *end++ = 'e';
+    *end++ = exponent < 0 ? '-' : '+';
+    int const power = std::abs(exponent);
+    if (power >= 100) *end++ = static_cast<char>('0' + power / 100);
+    *end++ = static_cast<char>('0' + power / 10 % 10);
+    *end++ = static_cast<char>('0' + power % 10);
+  } else if (exponent >= 0) {
+    int const whole = exponent + 1;
+    end = std::copy(text, text + std::min(whole, count), end);
+    if (count < whole) end = std::fill_n(end, whole - count, '0');
+    if (count > whole) {
+      *end++ = '.';
+      end = std::copy(text + whole, text + count, end);
+    }
+  } else {
+    *end++ = '0';
+    *end++ = '.';
+    end = std::fill_n(end, -exponent - 1, '0');
+    end = std::copy(text, text + count, end);
+  }
+  return static_cast<std::size_t>(end - out);
+}
+
 // `value` (finite, not zero) as printf's %.15g prints it, or 0 when the quick path cannot be sure of
 // the rounding: the value is scaled exactly to 15 integer digits, which decides the last digit unless
 // the dropped part lies next to one half.
@@ -86,43 +147,46 @@ std::size_t printFifteenDigits(double value, char *out) {
   }
   if (digits < 100000000000000u) return 0;
   char text[15];
-  for (int place = 13; place >= 1; place -= 2) {
-    std::memcpy(text + place, digitPairs + 2 * (digits % 100), 2);
-    digits /= 100;
-  }
-  text[0] = static_cast<char>('0' + digits);
+  digitsEndingAt(digits, text + sizeof text);
   int count = 15;
   while (count > 1 && text[count - 1] == '0')
     --count;
 
+  return layOut(value < 0, text, count, exponent, exponent < -4 || exponent >= 15, out);
+}
+
+// The shortest digits of `value` (finite, not zero) that read back to it, laid out as std::to_chars
+// lays them out: fixed notation unless scientific is shorter. The digits come from the formatting
+// library's shortest-digit search, about twice as fast as the standard library's.
+template <class Floating>
+std::size_t printShortest(Floating value, char *out) {
+  auto const decimal = fmt::detail::dragonbox::to_decimal(std::fabs(value));
+  std::uint64_t significand = decimal.significand;
+  int exponent = decimal.exponent;
+  while (significand % 10 == 0) {
+    significand /= 10;
+    ++exponent;
+  }
+  char digits[20];
+  char const *const text = digitsEndingAt(significand, digits + sizeof digits);
+  int const count = static_cast<int>(digits + sizeof digits - text);
+  // The exponent of the first digit, and the length of either notation without the sign.
+  int const first = exponent + count - 1;
+  int const power = std::abs(first);
+  int const scientificLength = count + (count > 1) + 2 + (power >= 100 ? 3 : 2);
+  int const fixedLength = first >= 0 ? (count <= first + 1 ? first + 1 : count + 1) : count + 1 - first;
+  if (scientificLength < fixedLength || count > first) {
+    return layOut(value < 0, text, count, first, scientificLength < fixedLength, out);
+  }
+  // Fixed notation padded with zeros: of the texts that long, the standard library writes the one
+  // nearest the value, which is then a whole number and written exactly.
   char *end = out;
   if (value < 0) *end++ = '-';
-  if (exponent < -4 || exponent >= 15) {
-    *end++ = text[0];
-    if (count > 1) {
-      *end++ = '.';
-      end = std::copy(text + 1, text + count, end);
-    }
-    *end++ = 'e';
-    *end++ = exponent < 0 ? '-' : '+';
-    int const power = std::abs(exponent);
-    if (power >= 100) *end++ = static_cast<char>('0' + power / 100);
-    *end++ = static_cast<char>('0' + power / 10 % 10);
-    *end++ = static_cast<char>('0' + power % 10);
-  } else if (exponent >= 0) {
-    int const whole = exponent + 1;
-    end = std::copy(text, text + std::min(whole, count), end);
-    if (count < whole) end = std::fill_n(end, whole - count, '0');
-    if (count > whole) {
-      *end++ = '.';
-      end = std::copy(text + whole, text + count, end);
-    }
-  } else {
-    *end++ = '0';
-    *end++ = '.';
-    end = std::fill_n(end, -exponent - 1, '0');
-    end = std::copy(text, text + count, end);
-  }
+  char whole[40];
+  char *wholeStart = whole + sizeof whole;
+  for (auto rest = static_cast<unsigned __int128>(std::fabs(value)); rest != 0; rest /= 10)
+    *--wholeStart = static_cast<char>('0' + static_cast<int>(rest % 10));
+  end = std::copy(wholeStart, whole + sizeof whole, end);
   return static_cast<std::size_t>(end - out);
 }
 
@@ -160,9 +224,7 @@ void JsonTextWriter::shortestNumber(Floating value) {
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
   beforeValue();
-  char *const digits = m_text.room(32);
-  std::to_chars_result const end = std::to_chars(digits, digits + 32, value);
-  m_text.advance(static_cast<std::size_t>(end.ptr - digits));
+  m_text.advance(printShortest(value, m_text.room(32)));
 }
 
 void JsonTextWriter::number(float value) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include <charconv>
 #include <cmath>
 #include <complex>
 #include <cstdint>
@@ -63,7 +64,34 @@ std::vector<T> finiteFromBits(std::vector<Bits> const &patterns) {
   return values;
 }
 
+// The plain low-fidelity text of each value, and the standard library's shortest text of it.
+template <class T>
+void expectTextsOfStandardLibrary(std::vector<T> const &values) {
+  for (T const value : values) {
+    if (value == 0) continue;  // written with a fraction, as the other texts are
+    char text[64];
+    std::to_chars_result const end = std::to_chars(text, text + sizeof text, value);
+    RC_ASSERT(JsonFormatterLowFidelity::serialize(VxVariant(value), -1, shortest) ==
+              VxString(text, static_cast<std::size_t>(end.ptr - text)));
+  }
+}
+
 }  // namespace
+
+// The digit search is not the standard library's; its texts must still be, character for character.
+RC_GTEST_PROP(JsonLosslessNumbers, ShortestTextIsTheStandardLibrarysText,
+              (std::vector<std::uint64_t> doubleBits, std::vector<std::uint32_t> floatBits)) {
+  expectTextsOfStandardLibrary(finiteFromBits<double>(doubleBits));
+  expectTextsOfStandardLibrary(finiteFromBits<float>(floatBits));
+  expectTextsOfStandardLibrary(edgeValues<double>());
+  expectTextsOfStandardLibrary(edgeValues<float>());
+  // Where fixed and scientific notation change places, and integers of every length.
+  for (int power = -8; power <= 24; ++power) {
+    double const ten = std::pow(10.0, power);
+    expectTextsOfStandardLibrary(std::vector<double>{ten, 1.5 * ten, 123456.0 * ten, -ten});
+    expectTextsOfStandardLibrary(std::vector<float>{float(ten), float(1.5 * ten), float(-ten)});
+  }
+}
 
 RC_GTEST_PROP(JsonLosslessNumbers, EveryFiniteDoubleReadsBackBitIdentical, (std::vector<std::uint64_t> bits)) {
   std::vector<double> const values = finiteFromBits<double>(bits);
