@@ -32,18 +32,26 @@ JsonDocument parseText(std::string_view text, std::size_t capacity) {
   return document;
 }
 
-// The whole stream, in blocks that double, leaving room behind the text for the quick parse.
+// The whole stream, leaving room behind the text for the quick parse. A stream that can tell its size
+// is read into one allocation of that size: growing a string copies it, and for a moment holds both
+// copies, which for a large document is the peak of the whole reading.
 std::string readAll(std::istream &in) {
   std::streambuf &source = *in.rdbuf();
   std::string text;
+  std::streamoff const start = source.pubseekoff(0, std::ios::cur, std::ios::in);
+  std::streamoff const end = start < 0 ? std::streamoff(-1) : std::streamoff(source.pubseekoff(0, std::ios::end, std::ios::in));
+  if (end >= start && source.pubseekoff(start, std::ios::beg, std::ios::in) == start) {
+    text.reserve(static_cast<std::size_t>(end - start) + stringTailRoom);
+  }
   std::size_t size = 0;
   std::size_t block = 1 << 16;
   for (;;) {
-    text.resize(size + block);
-    auto const read =
-        static_cast<std::size_t>(source.sgetn(&text[size], static_cast<std::streamsize>(block)));
+    // Whatever room the string has, and at least a block more.
+    text.resize(std::max(text.capacity(), size + block));
+    std::size_t const wanted = text.size() - size;
+    auto const read = static_cast<std::size_t>(source.sgetn(&text[size], static_cast<std::streamsize>(wanted)));
     size += read;
-    if (read < block) break;
+    if (read < wanted) break;
     block = std::min<std::size_t>(size, std::size_t(1) << 26);
   }
   text.resize(size);

@@ -1,5 +1,6 @@
 #include <formatting/JsonDocument.h>
 
+#include <text/StringTailRoom.h>
 #include <variant/BulkAllocation.h>
 
 #include <simdjson.h>
@@ -18,6 +19,8 @@ namespace Tarvex::VantraCore::Internal {
 namespace {
 
 namespace dom = simdjson::dom;
+
+static_assert(stringTailRoom >= simdjson::SIMDJSON_PADDING, "long strings leave the parser room to read ahead");
 
 // Small texts reuse one parser per thread: fresh buffers would first fault in as many pages as the
 // text takes, each time. The buffers run to about 13 times the text for a run of short numbers, so a
