@@ -11,7 +11,7 @@ packages=(
   libcli11-dev libcsv-dev librsvg2-bin
   googletest libgtest-dev libgmock-dev libbenchmark-dev librapidcheck-dev
   clang libclang-rt-14-dev libc++-14-dev libc++abi-14-dev llvm-14
-  python3-dev pybind11-dev python3-numpy python3-pytest
+  python3-dev pybind11-dev python3-numpy python3-pytest jq
 )
 
 missing=()

@@ -6,6 +6,7 @@
 #include <VantraCore/VantraCore.h>
 
 #include <nlohmann/json.hpp>
+#include <simdjson.h>
 
 #include <cmath>
 #include <complex>
@@ -74,6 +75,10 @@ class ReadingCheck : public nlohmann::json_sax<nlohmann::json> {
     return false;
   }
 
+  // Only the numbers of a "_dimensions_" array are looked at; any other is an item to count.
+  bool readsNumbers() const { return !m_frames.empty() && m_frames.back().role == Role::dimensions; }
+  std::vector<std::string> const &findings() const { return m_findings; }
+
  private:
   enum class Role { plain, data, dimensions };
   struct Frame {
@@ -111,17 +116,19 @@ class ReadingCheck : public nlohmann::json_sax<nlohmann::json> {
     return quoted(pathText(steps));
   }
 
-  void check(Frame const &object) const {
+  void check(Frame const &object) {
     if (object.hasKind && object.kind != "unknown" &&
         WellKnownType(VxStringView(object.kind.data(), object.kind.size())).value() ==
             WellKnownType().value())
-      warn(where() + ": \"_wellknowntype_\" " + quoted(object.kind) + " names no kind; the value reads as null");
+      m_findings.push_back(where() + ": \"_wellknowntype_\" " + quoted(object.kind) +
+                           " names no kind; the value reads as null");
     if (object.hasKind && object.dataItems > 0 && object.dataItems < object.elements)
-      warn(where() + ": \"_data_\" holds " + std::to_string(object.dataItems) + " of " +
-           std::to_string(object.elements) + " elements; the rest read as zeros");
+      m_findings.push_back(where() + ": \"_data_\" holds " + std::to_string(object.dataItems) + " of " +
+                           std::to_string(object.elements) + " elements; the rest read as zeros");
   }
 
   std::vector<Frame> m_frames;
+  std::vector<std::string> m_findings;
 };
 
 template <class T>
@@ -180,11 +187,117 @@ void checkWriting(PropertyNode const &node, std::vector<std::string> &steps) {
   }
 }
 
+namespace ondemand = simdjson::ondemand;
+
+// Hands the check the events of a document as the quick parser walks it on demand: no tree is built,
+// and numbers outside "_dimensions_" are counted without being read. False where the walk fails; the
+// events so far are then to be dropped.
+class WalkEvents {
+ public:
+  explicit WalkEvents(ReadingCheck &check) : m_check(check) {}
+
+  bool value(ondemand::value item) {
+    ondemand::json_type type;
+    if (item.type().get(type) != simdjson::SUCCESS) return false;
+    switch (type) {
+      case ondemand::json_type::array: {
+        ondemand::array items;
+        if (item.get_array().get(items) != simdjson::SUCCESS) return false;
+        m_check.start_array(0);
+        for (auto next : items) {
+          ondemand::value inner;
+          if (next.get(inner) != simdjson::SUCCESS || !value(inner)) return false;
+        }
+        m_check.end_array();
+        return true;
+      }
+      case ondemand::json_type::object: {
+        ondemand::object members;
+        if (item.get_object().get(members) != simdjson::SUCCESS) return false;
+        m_check.start_object(0);
+        for (auto field : members) {
+          std::string_view name;
+          ondemand::value inner;
+          if (field.unescaped_key().get(name) != simdjson::SUCCESS || field.value().get(inner) != simdjson::SUCCESS)
+            return false;
+          std::string key(name);
+          m_check.key(key);
+          if (!value(inner)) return false;
+        }
+        m_check.end_object();
+        return true;
+      }
+      case ondemand::json_type::number:
+        return number(item);
+      case ondemand::json_type::string: {
+        std::string_view text;
+        if (item.get_string().get(text) != simdjson::SUCCESS) return false;
+        std::string copy(text);
+        return m_check.string(copy);
+      }
+      case ondemand::json_type::boolean: {
+        bool truth = false;
+        return item.get_bool().get(truth) == simdjson::SUCCESS && m_check.boolean(truth);
+      }
+      case ondemand::json_type::null:
+        return m_check.null();
+    }
+    return false;
+  }
+
+ private:
+  bool number(ondemand::value item) {
+    if (!m_check.readsNumbers()) return m_check.number_float(0, m_none);
+    ondemand::number_type type;
+    if (item.get_number_type().get(type) != simdjson::SUCCESS) return false;
+    switch (type) {
+      case ondemand::number_type::signed_integer: {
+        std::int64_t whole = 0;
+        return item.get_int64().get(whole) == simdjson::SUCCESS && m_check.number_integer(whole);
+      }
+      case ondemand::number_type::unsigned_integer: {
+        std::uint64_t whole = 0;
+        return item.get_uint64().get(whole) == simdjson::SUCCESS && m_check.number_unsigned(whole);
+      }
+      case ondemand::number_type::floating_point_number: {
+        double real = 0;
+        return item.get_double().get(real) == simdjson::SUCCESS && m_check.number_float(real, m_none);
+      }
+    }
+    return false;  // an integer beyond 64 bits
+  }
+
+  ReadingCheck &m_check;
+  std::string m_none;
+};
+
+// A root array or object walked on demand; a root scalar holds nothing to check.
+bool walkQuickly(char const *text, std::size_t length, ReadingCheck &check) {
+  simdjson::padded_string const padded(text, length);
+  ondemand::parser parser;
+  ondemand::document document;
+  ondemand::json_type type;
+  if (parser.iterate(padded).get(document) != simdjson::SUCCESS || document.type().get(type) != simdjson::SUCCESS)
+    return false;
+  if (type != ondemand::json_type::array && type != ondemand::json_type::object) return true;
+  ondemand::value root;
+  return document.get_value().get(root) == simdjson::SUCCESS && WalkEvents(check).value(root);
+}
+
 }  // namespace
 
+// The quick walk takes most documents; the few it cannot (a byte order mark, integers beyond 64 bits)
+// go through the JSON library's parse.
 void warnOfReadingLosses(char const *text, std::size_t length) {
-  ReadingCheck check;
-  nlohmann::json::sax_parse(text, text + length, &check);
+  ReadingCheck quick;
+  ReadingCheck const *done = &quick;
+  ReadingCheck slow;
+  if (!walkQuickly(text, length, quick)) {
+    nlohmann::json::sax_parse(text, text + length, &slow);
+    done = &slow;
+  }
+  for (std::string const &finding : done->findings())
+    warn(finding);
 }
 
 void warnOfWritingLosses(PropertyNode const &tree) {
