@@ -184,7 +184,8 @@ std::size_t printShortest(Floating value, char *out) {
   if (value < 0) *end++ = '-';
   char whole[40];
   char *wholeStart = whole + sizeof whole;
-  for (auto rest = static_cast<unsigned __int128>(std::fabs(value)); rest != 0; rest /= 10)
+  __extension__ using Whole = unsigned __int128;  // a double below 10^23 is whole and fits
+  for (auto rest = static_cast<Whole>(std::fabs(value)); rest != 0; rest /= 10)
     *--wholeStart = static_cast<char>('0' + static_cast<int>(rest % 10));
   end = std::copy(wholeStart, whole + sizeof whole, end);
   return static_cast<std::size_t>(end - out);
