@@ -71,7 +71,11 @@ void adviseHugePages(void const *start, std::size_t bytes) {
 }
 
 bool allocateForLargeText(dom::parser &parser, std::size_t size) {
-  if (parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) return false;
+  // The parser's own buffers, and the tape it would otherwise allocate when parsing begins.
+  if (parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS ||
+      parser.doc.allocate(size) != simdjson::SUCCESS) {
+    return false;
+  }
   // The sizes the parser gives its buffers for a capacity of `size`.
   adviseHugePages(parser.doc.tape.get(), (size + 3) * sizeof(std::uint64_t));
   adviseHugePages(parser.doc.string_buf.get(), 5 * size / 3);

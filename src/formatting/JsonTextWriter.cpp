@@ -58,16 +58,22 @@ char const digitPairs[] =
     "0001020304050607080910111213141516171819202122232425262728293031323334353637383940414243444546474849"
     "5051525354555657585960616263646566676869707172737475767778798081828384858687888990919293949596979899";
 
-// Writes the decimal digits of `value` to end at `end`, and returns where they start. Blocks of eight
-// digits in 32-bit arithmetic keep the chain of divisions short.
+// The eight digits of `block` (below 10^8, leading zeros written) into `out`. Splitting in halves and
+// then in pairs keeps the chain of dependent divisions two long.
+void eightDigits(std::uint32_t block, char *out) {
+  std::uint32_t const high = block / 10000, low = block % 10000;
+  std::memcpy(out, digitPairs + 2 * (high / 100), 2);
+  std::memcpy(out + 2, digitPairs + 2 * (high % 100), 2);
+  std::memcpy(out + 4, digitPairs + 2 * (low / 100), 2);
+  std::memcpy(out + 6, digitPairs + 2 * (low % 100), 2);
+}
+
+// Writes the decimal digits of `value` to end at `end`, and returns where they start.
 char *digitsEndingAt(std::uint64_t value, char *end) {
   while (value >= 100000000) {
-    auto block = static_cast<std::uint32_t>(value % 100000000);
+    end -= 8;
+    eightDigits(static_cast<std::uint32_t>(value % 100000000), end);
     value /= 100000000;
-    for (int pair = 0; pair < 4; ++pair, block /= 100) {
-      end -= 2;
-      std::memcpy(end, digitPairs + 2 * (block % 100), 2);
-    }
   }
   auto rest = static_cast<std::uint32_t>(value);
   for (; rest >= 100; rest /= 100) {
@@ -224,8 +230,7 @@ template <class Floating>
 void JsonTextWriter::shortestNumber(Floating value) {
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
-  beforeValue();
-  m_text.advance(printShortest(value, m_text.room(32)));
+  m_text.advance(printShortest(value, valueRoom(32)));
 }
 
 void JsonTextWriter::number(float value) {
@@ -238,8 +243,7 @@ void JsonTextWriter::number(double value) {
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
   // %.15g, as a stream at precision 15 in the classic locale prints it.
-  beforeValue();
-  char *const digits = m_text.room(32);
+  char *const digits = valueRoom(32);
   std::size_t length = printFifteenDigits(value, digits);
   if (length == 0) {
     std::to_chars_result const end =

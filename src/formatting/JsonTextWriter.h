@@ -95,6 +95,25 @@ class JsonTextWriter {
   }
   // The comma and line break that lead a member or element.
   void separate();
+  // Room for a value of at most `bytes` bytes behind the separator that leads it, which is written
+  // here: one reservation per number, however deep the indentation.
+  char *valueRoom(std::size_t bytes) {
+    if (m_afterKey || m_empty.empty()) {
+      m_afterKey = false;
+      return m_text.room(bytes);
+    }
+    std::size_t const indent = m_indent < 0 ? 0 : m_empty.size() * static_cast<std::size_t>(m_indent);
+    char *const start = m_text.room(2 + indent + bytes);
+    char *out = start;
+    if (!m_empty.back()) *out++ = ',';
+    m_empty.back() = false;
+    if (m_indent >= 0) {
+      *out++ = '\n';
+      out = std::fill_n(out, indent, ' ');
+    }
+    m_text.advance(static_cast<std::size_t>(out - start));
+    return out;
+  }
   // A new line indented to the open containers; nothing in compact text.
   void lineBreak();
   template <class Integer>
@@ -118,7 +137,7 @@ class JsonTextWriter {
   int m_indent;
   bool m_shortest;
   // Per open container: whether nothing has been written into it yet.
-  std::vector<bool> m_empty;
+  std::vector<char> m_empty;
   bool m_afterKey = false;
 };
 
