@@ -68,8 +68,9 @@ TEST(BulkAllocation, LargeBlocksAreMappedAlignedZeroedAndAdvised) {
   EXPECT_EQ(bytes[0] | bytes[bulkMappingThreshold / 2] | bytes[bulkMappingThreshold - 1], 0);
   bytes[bulkMappingThreshold - 1] = 1;
   // A kernel without transparent huge pages refuses the advice, and the block works all the same.
-  if (std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled"))
+  if (std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled")) {
     EXPECT_NE(mappingFlags(large.memory).find(" hg"), std::string::npos) << mappingFlags(large.memory);
+  }
   releaseBulk(large.memory);
   releaseBulk(nullptr);
 }
