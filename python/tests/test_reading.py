@@ -7,27 +7,6 @@ import pytest
 import vantracore
 from conftest import document
 
-BLOCK_KINDS = [
-    ("bool", [True, False], np.bool_),
-    ("int8", [-128, 127], np.int8),
-    ("int16", [-32768, 32767], np.int16),
-    ("int32", [-2**31, 2**31 - 1], np.int32),
-    ("int64", [-2**63, 2**63 - 1], np.int64),
-    ("unsignedInt8", [0, 255], np.uint8),
-    ("unsignedInt16", [0, 65535], np.uint16),
-    ("unsignedInt32", [0, 2**32 - 1], np.uint32),
-    ("unsignedInt64", [0, 2**64 - 1], np.uint64),
-    ("float", [1.5, -0.25], np.float32),
-    ("double", [1.5, 1e-300], np.float64),
-]
-
-
-@pytest.mark.parametrize("kind, values, dtype", BLOCK_KINDS)
-def test_numeric_arrays_keep_kind_and_values(kind, values, dtype):
-    array = vantracore.loads(document(kind, values, [2]))
-    assert array.dtype == np.dtype(dtype)
-    assert array.tolist() == values
-
 
 def test_complex_kinds():
     pairs = [{"re": 1, "im": -2}, {"re": 3, "im": 4}]
@@ -107,9 +86,9 @@ def test_plain_json_in_lower_fidelities():
     assert mid["a"].dtype == np.float64 and mid["b"] == [1.0, "x"]
 
 
-def test_plain_arrays_as_arrays(array_variants):
+def test_plain_arrays_as_arrays():
     text = '{"unit":"mV","samples":[1,2,3],"matrix":[[1.5,2],[3,4]]}'
-    tree = vantracore.loads(text, fidelity="low", arrays=array_variants)
+    tree = vantracore.loads(text, fidelity="low", arrays="variants")
     assert tree["samples"].dtype == np.int64 and tree["samples"].tolist() == [1, 2, 3]
     assert tree["matrix"].shape == (2, 2) and tree["matrix"].dtype == np.float64
 

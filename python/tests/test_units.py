@@ -16,7 +16,7 @@ def test_unit_properties():
         vantracore.Unit("nonsense!")
 
 
-def test_convert_keeps_shape_and_order():
+def test_convert_keeps_shape_and_order_and_applies_the_formula_to_every_element():
     assert vantracore.convert(1500, "mV", "V") == 1.5
     assert vantracore.convert(1 + 2j, "V", "mV") == 1000 + 2000j
     columns = np.asfortranarray(np.arange(6, dtype=np.int32).reshape(2, 3))
@@ -24,6 +24,10 @@ def test_convert_keeps_shape_and_order():
     assert volts.dtype == np.float64 and volts.shape == (2, 3) and volts.flags.f_contiguous
     assert np.allclose(volts, columns / 1000)
     assert vantracore.convert([[1, 2]], "V", "mV").tolist() == [[1000.0, 2000.0]]
+    # Units whose SI texts agree convert too: Celsius and kelvin, km/h and m/s.
+    assert vantracore.convert([0, 100], "Celsius", "K").tolist() == [273.15, 373.15]
+    assert vantracore.convert(36, "km/h", "m/s") == pytest.approx(10)
+    assert vantracore.convert(0, "dBm", "W") == pytest.approx(0.001)
 
 
 def test_convert_leaves_its_input_alone():
@@ -32,13 +36,6 @@ def test_convert_leaves_its_input_alone():
     assert values.tolist() == [1.0, 2.0]
     result[0] = 5  # a fresh array of the caller's own
     assert values[0] == 1.0
-
-
-def test_every_element_goes_through_the_formula():
-    # Units whose SI texts agree convert too: Celsius and kelvin, km/h and m/s.
-    assert vantracore.convert([0, 100], "Celsius", "K").tolist() == [273.15, 373.15]
-    assert vantracore.convert(36, "km/h", "m/s") == pytest.approx(10)
-    assert vantracore.convert(0, "dBm", "W") == pytest.approx(0.001)
 
 
 def test_convert_refusals_keep_the_library_messages():

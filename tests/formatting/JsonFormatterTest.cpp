@@ -12,7 +12,6 @@
 #include <string>
 
 using namespace Tarvex::VantraCore;
-using testing::ThrowsMessage;
 
 namespace {
 

@@ -98,18 +98,21 @@ RC_GTEST_PROP(Int128Property, TextRoundTripsInEveryBase, ()) {
   RC_ASSERT(parsed == a);
 }
 
-// Built-in values on the left go into the lower half as 64-bit values.
-TEST(Int128, ShiftsOfBuiltinValues) {
+// Built-in values on the left of a shift go into the lower half as 64-bit values; a moved-from value
+// is zero.
+TEST(Int128, BuiltinOperandsConversionsAndMoves) {
   EXPECT_EQ(-8 >> uint128_t(1), uint128_t(0, ~0ull >> 1 & ~3ull));
   EXPECT_EQ(std::int64_t(-1) << uint128_t(64), uint128_t(~0ull, 0));
   EXPECT_EQ(true << uint128_t(100), uint128_t(1ull << 36, 0));
-}
-
-TEST(Int128, ConversionsAndConstants) {
   uint128_t const high(1, 0x1234);
   EXPECT_EQ(static_cast<unsigned char>(high), 0x34);
   EXPECT_TRUE(!uint128_t() && (high && 1) && (uint128_t() || high) && !(uint128_t() || 0));
   EXPECT_TRUE(uint128_t(-1) == uint128_t(~0ull, ~0ull) && int128_t(-1) == -int128_t(1));
+  uint128_t source(3, 4);
+  uint128_t target(std::move(source));
+  EXPECT_EQ(source, 0);
+  source = std::move(target);
+  EXPECT_TRUE(target == 0 && source == uint128_t(3, 4));
 }
 
 TEST(Int128, LimitsAndFailures) {
@@ -140,12 +143,4 @@ TEST(Int128, Streaming) {
   EXPECT_EQ(streamed(int128_t(-1), std::ios_base::dec), "-1");
   EXPECT_EQ(streamed(int128_t(1, 0), std::ios_base::dec), "0");
   EXPECT_EQ(streamed(-int128_t(1, 255), std::ios_base::hex), "-ff");
-}
-
-TEST(Int128, MoveLeavesZero) {
-  uint128_t source(3, 4);
-  uint128_t target(std::move(source));
-  EXPECT_EQ(source, 0);
-  source = std::move(target);
-  EXPECT_TRUE(target == 0 && source == uint128_t(3, 4));
 }

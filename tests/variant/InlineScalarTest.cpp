@@ -11,7 +11,6 @@
 #include <support/Throws.h>
 
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 
 using namespace Tarvex::VantraCore;
@@ -36,7 +35,7 @@ bool storedInside(VxVariant const &variant) {
 
 }  // namespace
 
-TEST(InlineScalar, EveryPlainKindIsTheLibrarysHolder) {
+TEST(InlineScalar, EveryPlainKindIsTheLibrarysHolderAndCopiesAreIndependent) {
   In::forEachElementKind<In::InlineScalarKinds>([](auto tag) {
     using T = typename decltype(tag)::type;
     SCOPED_TRACE(In::ElementKind<T>::name);
@@ -47,42 +46,33 @@ TEST(InlineScalar, EveryPlainKindIsTheLibrarysHolder) {
     EXPECT_EQ(In::holderIdentity(library.buffer), In::inPlaceHolderIdentity<T>());
     EXPECT_TRUE(storedInside(variant) && variant.isScalarStorage());
     EXPECT_EQ(variant.wellKnownDataType(), wellKnownTypeOf<T>());
-    EXPECT_EQ(variant.template at<T>(0), sample<T>(1));
     EXPECT_THAT([&] { variant.template at<T>(1); }, throws<std::out_of_range>("Indices out of bounds."));
     EXPECT_TRUE(variant.isIdenticalTo(VxVariant(sample<T>(1))));
     library.data->~IVariantData();
-  });
-  EXPECT_THAT([] { VxVariant(2.0).at<float>(0); }, throws<std::invalid_argument>("Wrong data type."));
-  EXPECT_THAT([] { VxVariant(std::int64_t(2)).at<std::uint64_t>(0); },
-              throws<std::invalid_argument>("Wrong data type."));
-}
 
-TEST(InlineScalar, CopiesAreIndependentAndWritable) {
-  In::forEachElementKind<In::InlineScalarKinds>([](auto tag) {
-    using T = typename decltype(tag)::type;
-    SCOPED_TRACE(In::ElementKind<T>::name);
-    VxVariant const original = sample<T>(1);
-    VxVariant copy = original;
-    EXPECT_TRUE(storedInside(copy) && identityOf(copy) == identityOf(original));
+    VxVariant copy = variant;
+    EXPECT_TRUE(storedInside(copy) && identityOf(copy) == identityOf(variant));
     copy.template mutableStoredData<T>()[0] = sample<T>(2);
-    EXPECT_EQ(original.template at<T>(0), sample<T>(1));
+    EXPECT_EQ(variant.template at<T>(0), sample<T>(1));
     EXPECT_EQ(copy.template at<T>(0), sample<T>(2));
     VxVariant moved = std::move(copy);
     EXPECT_EQ(moved.template at<T>(0), sample<T>(2));
     EXPECT_THAT([&] { copy.template at<T>(0); }, throws<std::invalid_argument>("VxVariant data is null"));
     moved = VxVariant("text");
     EXPECT_EQ(moved.template at<VxString>(0), "text");
-    moved = original;
+    moved = variant;
     EXPECT_EQ(moved.template at<T>(0), sample<T>(1));
   });
+  // The kind is compared, not the size.
+  EXPECT_THAT([] { VxVariant(2.0).at<float>(0); }, throws<std::invalid_argument>("Wrong data type."));
+  EXPECT_THAT([] { VxVariant(std::int64_t(2)).at<std::uint64_t>(0); },
+              throws<std::invalid_argument>("Wrong data type."));
 }
 
 TEST(InlineScalar, ConvertsAndTravelsThroughTheLibrary) {
   VxVariant const number = std::int32_t(7);
-  EXPECT_EQ(number.convertTo(wellKnownTypeOf<double>()).at<double>(0), 7.0);
   EXPECT_EQ(number.get<double>(), 7.0);
   EXPECT_TRUE(number.isEquivalentTo(VxVariant(7.0)) && !number.isIdenticalTo(VxVariant(7.0)));
-  EXPECT_TRUE(VxVariant(0.5).tryConvertTo(wellKnownTypeOf<std::int32_t>()).isNull());
   EXPECT_EQ(number.reordered(columnMajor).at<std::int32_t>(0), 7);
 
   // Built in the library, read here by the short way: the holder's identity is the same.

@@ -1,3 +1,4 @@
+#include <VantraCore/JsonFormatter.h>
 #include <VantraCore/JsonFormatterLowFidelity.h>
 #include <VantraCore/JsonFormatterMidFidelity.h>
 
@@ -79,10 +80,18 @@ TEST(ForeignJson, BothLenientReadersTakeItAndLowFidelityWritesItBack) {
   }
 }
 
-TEST(ForeignJson, LowFidelityRefusesCustomKinds) {
+// Custom kinds fail in every writer; the full one fails anywhere in a tree and leaves the stream untouched.
+TEST(ForeignJson, WritersRefuseCustomKinds) {
   std::vector<std::uint64_t> const dims{2};
   VxVariant const custom =
       VxVariant::adoptHolder(Internal::CustomVectorVariantData<double>::create(dims, rowMajor, 2));
-  EXPECT_THAT([&] { JsonFormatterLowFidelity::serialize(custom); },
-              throws<std::runtime_error>("unknown type"));
+  EXPECT_THAT([&] { JsonFormatterLowFidelity::serialize(custom); }, throws<std::runtime_error>("unknown type"));
+  auto const refused = throws<std::logic_error>("Cannot serialze custom types");
+  EXPECT_THAT([&] { JsonFormatter::serialize(custom, -1); }, refused);
+  PropertyMap map;
+  map.insertOrAssign(InternedString("a"), PropertyNode(1.0));
+  map.insertOrAssign(InternedString("z"), PropertyNode(PropertyList{PropertyNode(custom)}));
+  std::ostringstream out;
+  EXPECT_THAT([&] { JsonFormatter::serialize(PropertyNode(map), out, 2); }, refused);
+  EXPECT_EQ(out.str(), "");
 }

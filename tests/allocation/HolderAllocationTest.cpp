@@ -1,7 +1,8 @@
-// Holds the array holders to one allocation per array. A program of its own, so that no other
-// test's replaced operators meet these.
+// Holds the array holders to one allocation per array and scalar variants to none of their own. A
+// program of its own, so that no other test's replaced operators meet these.
 #include <support/CountingAllocator.h>
 
+#include <VantraCore/VxVariant.h>
 #include <VantraCore/detail/ElementKinds.h>
 #include <VantraCore/detail/IVariantData.h>
 #include <VantraCore/detail/VectorVariantData.h>
@@ -10,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 using namespace Tarvex::VantraCore;
@@ -51,4 +53,15 @@ TEST(ArrayAllocation, OneAllocationPerArrayOfAnyKindAndRank) {
       EXPECT_EQ(counter.releases(), counter.allocations() + 1) << "the adopted block goes with the holder";
     }
   });
+}
+
+TEST(VariantAllocation, ScalarsStandInPlace) {
+  VxString const text = "short";
+  Counter counter;
+  {
+    VxVariant number = 2.5, string = text;
+    VxVariant const copies[] = {number, string, VxVariant(std::move(number))};
+    string = copies[0];
+  }
+  EXPECT_EQ(counter.allocations(), 0u);
 }

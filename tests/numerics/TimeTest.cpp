@@ -1,4 +1,3 @@
-#include <VantraCore/Complex.h>
 #include <VantraCore/Time.h>
 
 #include <gtest/gtest.h>
@@ -45,11 +44,4 @@ TEST(Time, SplitSecondsRoundsDownAndTellsWhenTheSecondsOverflow) {
   // One femtosecond below the least 64-bit second, and the first second above the greatest.
   EXPECT_FALSE(splitSeconds(int128_t(INT64_MIN) * perSecond - int128_t(1)).exact);
   EXPECT_FALSE(splitSeconds((int128_t(INT64_MAX) + int128_t(1)) * perSecond).exact);
-}
-
-TEST(Complex, TwoPartsStoredDensely) {
-  Complex<bool> const flags[3] = {{true, false}, {}, {false, true}};
-  static_assert(sizeof flags == 6, "two parts of one byte, no padding");
-  Complex<std::int64_t> const value(-1, 7);
-  EXPECT_NE(value, Complex<std::int64_t>(-1, 8));
 }
