@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,8 +16,7 @@ namespace Tarvex::VantraCore::Internal {
 // JSON text appended straight into one growing buffer, in the layout of the JSON library's printer:
 // compact for a negative indent, else one member or element per line. Numbers and strings are printed
 // here, not by the library, for speed and for the exact texts documents are compared by.
-// A growing block of text that hands out room to write into, so numbers print in place. It grows by
-// realloc, which moves a large block's pages instead of copying them into freshly faulted ones.
+// A growing block of text that hands out room to write into, so numbers print in place.
 class TextBuffer {
  public:
   std::string_view view() const noexcept { return std::string_view(m_text.get(), m_size); }
@@ -46,17 +43,13 @@ class TextBuffer {
  private:
   void grow(std::size_t bytes) {
     std::size_t const capacity = std::max(m_capacity * 2, m_size + bytes + 256);
-    void *const text = std::realloc(m_text.get(), capacity);
-    if (text == nullptr) throw std::bad_alloc();
-    m_text.release();
-    m_text.reset(static_cast<char *>(text));
+    std::unique_ptr<char[]> text(new char[capacity]);
+    if (m_size > 0) std::memcpy(text.get(), m_text.get(), m_size);
+    m_text = std::move(text);
     m_capacity = capacity;
   }
 
-  struct Free {
-    void operator()(char *text) const noexcept { std::free(text); }
-  };
-  std::unique_ptr<char, Free> m_text;
+  std::unique_ptr<char[]> m_text;
   std::size_t m_size = 0;
   std::size_t m_capacity = 0;
 };
