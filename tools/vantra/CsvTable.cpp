@@ -113,7 +113,8 @@ void collectColumns(FoundNode const &found, std::string const &source, std::vect
       if (entry != holder.map().end()) samples = &entry->node;
     }
     if (samples == nullptr || samples->kind() != PropertyNodeKind::Value)
-      throw ToolError(quoted(path) + " in " + source + " is no channel: it needs \"samples\" holding a value");
+      throw ToolError(quoted(path) + " in " + source +
+                      " is no channel: it needs \"samples\" holding a value");
     std::string name = path;
     auto const named = holder.map().find(InternedString("name"));
     if (named != holder.map().end() && named->node.kind() == PropertyNodeKind::Value &&
@@ -171,23 +172,22 @@ PropertyNode documentOfCsv(std::string const &text, char delimiter, std::string 
   return PropertyNode(std::move(document));
 }
 
-std::string csvOfChannels(PropertyNode &tree, std::string const &at, std::string const &source, char delimiter) {
+std::string csvOfChannels(PropertyNode &tree, std::string const &at, std::string const &source,
+                          char delimiter) {
   std::vector<Column> columns;
   for (FoundNode const &found : findNodes(tree, at, source))
     collectColumns(found, source, columns);
   std::size_t rows = 0;
-  std::string text;
+  std::vector<std::string> fields;
   for (Column const &column : columns) {
     rows = std::max(rows, column.cells.size());
-    text += (text.empty() ? "" : std::string(1, delimiter)) + csvField(column.header, delimiter);
+    fields.push_back(column.header);
   }
-  text += "\r\n";
+  std::string text = csvRecord(fields, delimiter);
   for (std::size_t row = 0; row < rows; ++row) {
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-      if (c > 0) text += delimiter;
-      if (row < columns[c].cells.size()) text += csvField(columns[c].cells[row], delimiter);
-    }
-    text += "\r\n";
+    for (std::size_t c = 0; c < columns.size(); ++c)
+      fields[c] = row < columns[c].cells.size() ? columns[c].cells[row] : std::string();
+    text += csvRecord(fields, delimiter);
   }
   return text;
 }

@@ -10,11 +10,12 @@ namespace vantra {
 // and "acquired" from the first column of times. Cells become numbers (empty ones NaN), else times,
 // else texts, a column at a time. Malformed text, or a record whose field count is not the header's,
 // throws ToolError naming `source`.
-Tarvex::VantraCore::PropertyNode documentOfCsv(std::string const &text, char delimiter, std::string const &source);
+Tarvex::VantraCore::PropertyNode documentOfCsv(std::string const &text, char delimiter,
+                                               std::string const &source);
 
 // The channels `at` reaches in `tree` as CSV text, one column each, headed "name [unit]", records
 // ending in CRLF. Documents made by documentOfCsv come back as the same text when read again.
-std::string csvOfChannels(Tarvex::VantraCore::PropertyNode &tree, std::string const &at, std::string const &source,
-                          char delimiter);
+std::string csvOfChannels(Tarvex::VantraCore::PropertyNode &tree, std::string const &at,
+                          std::string const &source, char delimiter);
 
 }  // namespace vantra
