@@ -41,6 +41,16 @@ void splitHeader(std::string const &header, std::string &name, std::string &unit
   name = trimmed(name.substr(0, at));
 }
 
+// The header that splitHeader reads back as `name` and `unit`: brackets that the unit holds none of,
+// and empty ones after a name that would read as a name with a unit.
+std::string headerOf(std::string const &name, std::string const &unit) {
+  if (!unit.empty())
+    return name + (unit.find('[') == std::string::npos ? " [" + unit + "]" : " (" + unit + ")");
+  std::string readName, readUnit;
+  splitHeader(name, readName, readUnit);
+  return readName == name && readUnit.empty() ? name : name + " []";
+}
+
 bool parseNumber(std::string const &text, double &value) {
   std::string const cell = trimmed(text);
   if (cell.empty()) {
@@ -83,7 +93,7 @@ Column columnOf(VxVariant const &value, std::string const &name, std::string con
   ArrayDimensionsView const dims = value.dimensions();
   if (std::count_if(dims.sizes, dims.sizes + dims.count, [](std::uint64_t size) { return size != 1; }) > 1)
     throw ToolError(where + " has " + std::to_string(dims.count) + " dimensions; a column has one");
-  Column column{unit.empty() ? name : name + " [" + unit + "]", {}};
+  Column column{headerOf(name, unit), {}};
   WellKnownType const kind = value.wellKnownDataType();
   std::uint64_t const count = value.numberOfElements();
   if (kind == wellKnownTypeOf<Timestamp>()) {

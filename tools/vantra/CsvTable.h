@@ -13,8 +13,9 @@ namespace vantra {
 Tarvex::VantraCore::PropertyNode documentOfCsv(std::string const &text, char delimiter,
                                                std::string const &source);
 
-// The channels `at` reaches in `tree` as CSV text, one column each, headed "name [unit]", records
-// ending in CRLF. Documents made by documentOfCsv come back as the same text when read again.
+// The channels `at` reaches in `tree` as CSV text, one column each, headed "name [unit]" ("name (unit)"
+// for a unit holding "["), records ending in CRLF. A document made by documentOfCsv, written so and
+// read again, is the same document.
 std::string csvOfChannels(Tarvex::VantraCore::PropertyNode &tree, std::string const &at,
                           std::string const &source, char delimiter);
 
