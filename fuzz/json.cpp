@@ -71,20 +71,28 @@ void storedUnit(PropertyNode const &tree) {
   }
 }
 
+// What `read` takes from the text (or a stream of its bytes, `read` taking either) into `value`, and
+// its text into `written`; read from the stream it must write the same. False when the text is refused.
+template <class Formatter, class Value, class Read>
+bool readAlsoFromStream(VxString const &text, Read read, Value &value, VxString &written) {
+  try {
+    value = read(text);
+  } catch (std::exception const &) {
+    return false;
+  }
+  std::istringstream in(std::string(text.data(), text.size()));
+  written = Formatter::serialize(value);
+  if (Formatter::serialize(read(in)) != written) std::abort();
+  return true;
+}
+
 // The stream reader must read what the text reader reads, and the frozen tree must write what the
-// mutable one writes, to a text and to a stream alike; a unit is read from the tree. `read` takes the
-// text or a stream.
+// mutable one writes, to a text and to a stream alike; a unit is read from the tree.
 template <class Formatter, class Read>
 void streamsAndFrozen(VxString const &text, Read read) {
   PropertyNode tree;
-  try {
-    tree = read(text);
-  } catch (std::exception const &) {
-    return;
-  }
-  std::istringstream in(std::string(text.data(), text.size()));
-  VxString const written = Formatter::serialize(tree);
-  if (Formatter::serialize(read(in)) != written) std::abort();
+  VxString written;
+  if (!readAlsoFromStream<Formatter>(text, read, tree, written)) return;
   storedUnit(tree);
   FPropertyNode const frozen(tree);
   std::ostringstream out;
@@ -95,21 +103,15 @@ void streamsAndFrozen(VxString const &text, Read read) {
 }
 
 // A variant read from a stream is the one read from the text, and one written to a stream is the one
-// written to a text. `read` takes the text or a stream.
+// written to a text.
 template <class Formatter, class Read>
 void variantStreams(VxString const &text, Read read) {
   VxVariant value;
-  try {
-    value = read(text);
-  } catch (std::exception const &) {
-    return;
-  }
-  std::istringstream in(std::string(text.data(), text.size()));
-  VxString const written = Formatter::serialize(value);
+  VxString written;
+  if (!readAlsoFromStream<Formatter>(text, read, value, written)) return;
   std::ostringstream out;
   Formatter::serialize(value, out);
-  if (Formatter::serialize(read(in)) != written || VxString(out.str().data(), out.str().size()) != written)
-    std::abort();
+  if (VxString(out.str().data(), out.str().size()) != written) std::abort();
 }
 
 template <class Formatter>
