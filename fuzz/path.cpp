@@ -44,6 +44,8 @@ void otherSpellings(Path const &a, Path const &b) {
   if (a.native() != text || a.string() != text || a.u8string() != text || a.generic_string() != generic ||
       a.generic_u8string() != generic || toVxString(a.generic_u16string()) != generic ||
       fixFilenameSlashes(text) != generic || VxString(Internal::posixName(a)) != generic ||
+      VxString(Path::from_fs_path(a.fs_path())) != text ||
+      VxString(Path(std::string(text.data(), text.size()))) != text ||
       VxString(Internal::pathFromSystem(Internal::posixName(a))) != text)
     std::abort();
   if (a.is_relative() == a.is_absolute() || a.equal_filenames(b) != Path::equal_filenames(a, b) ||

@@ -43,8 +43,10 @@ bool hasExponentBeyondInt(std::string_view text) {
 void convertSamples(Unit const &unit) {
   VxVariant const samples[] = {VxVariant(std::vector<double>{1, -2.5, 1e300}, {3}),
                                VxVariant(std::vector<std::complex<double>>{{1, 2}, {0, -1}}, {2}),
-                               VxVariant(std::vector<std::int32_t>{1, -2, 7}, {3}), VxVariant(2.5),
-                               VxVariant(std::vector<VxString>{VxString("1")}, {1})};
+                               VxVariant(std::vector<std::int32_t>{1, -2, 7}, {3}),
+                               VxVariant(2.5),
+                               VxVariant(std::vector<VxString>{VxString("1")}, {1}),
+                               VxVariant()};
   Unit const targets[] = {unit, Unit::fromIviUnitString(VxString("V"))};
   for (VxVariant const &value : samples)
     for (Unit const &target : targets) {
@@ -78,11 +80,17 @@ void typeAndCombinations(Unit const &unit) {
     static_cast<void>(type.getBaseMKSUnits());
   } catch (std::runtime_error const &error) {
     // A reference text the grammar does not read, such as one holding "mol".
-    if (std::string_view(error.what()).rfind("Error constructing a unit from SI String ", 0) != 0) std::abort();
+    if (std::string_view(error.what()).rfind("Error constructing a unit from SI String ", 0) != 0)
+      std::abort();
   }
   static_cast<void>(SystemOfUnits::instance().getUnitNames(type).size() + unit.isDimensionless() +
                     unit.isLogarithmic());
   static_cast<void>(unit.convertTo(unit, std::complex<double>(1, -2)));  // commensurable with itself
+  try {
+    static_cast<void>(unit.convertTo(Unit::fromIviUnitString(VxString("V")), std::complex<double>(1, -2)));
+  } catch (std::runtime_error const &error) {
+    if (std::string_view(error.what()).rfind("Units V is not Commensurable to ", 0) != 0) std::abort();
+  }
   UnitDimensions const dims = type.getDimensions();
   if (!((unit * unit).getUnitType().getDimensions() == dims * dims) ||
       !((unit / unit).getUnitType().getDimensions() == UnitDimensions()) ||
@@ -102,8 +110,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
       parsed = true;
       static_cast<void>(unit.convertTo(unit, 1.0));
       static_cast<void>(unit.convertTo(Unit::fromIviUnitString(VxString("V")), 2.0));
-      static_cast<void>(unit.getSiUnits().size() + unit.getDisplayUnit().size() + unit.getUnitsLabel().size() +
-                        unit.getUnitTypeReferenceString().size());
+      static_cast<void>(unit.getSiUnits().size() + unit.getDisplayUnit().size() +
+                        unit.getUnitsLabel().size() + unit.getUnitTypeReferenceString().size());
     } catch (std::runtime_error const &) {
     }
     if (parsed) {
