@@ -1,7 +1,7 @@
 // Console drawing of trees and variants read from JSON (plain or with metadata), under options the
 // input chooses. It fails only as documented, by std::runtime_error for the times, which do not print;
 // the frozen tree draws as the mutable one, default options draw as the forms without options, and the
-// one-line texts never fail where the drawing does not.
+// one-line texts never fail where the drawing does not, a list or map printing as its node does.
 // Input: two bytes choosing the options, then the JSON text.
 #include <VantraCore/ConsoleFormatter.h>
 #include <VantraCore/FPropertyNode.h>
@@ -70,7 +70,18 @@ void drawTree(PropertyNode const &tree, ConsoleOptions const &options) {
             [&](std::ostream &out) { ConsoleFormatter::serialize(tree, out, ConsoleOptions()); }) != plain ||
       (plain && defaultText != plainText))
     std::abort();
+  std::string frozenPlain, part;
+  if (drawn(frozenPlain, [&](std::ostream &out) { ConsoleFormatter::serialize(frozen, out); }) != plain ||
+      (plain && frozenPlain != plainText))
+    std::abort();
   if (!drawn(line, [&](std::ostream &out) { PrintTo(tree, &out); }) && plain) std::abort();
+  // A list or map alone prints as the node holding it does.
+  bool const printed = drawn(part, [&](std::ostream &out) {
+    if (tree.kind() == PropertyNodeKind::List) PrintTo(tree.list(), &out);
+    if (tree.kind() == PropertyNodeKind::Map) PrintTo(tree.map(), &out);
+  });
+  bool const container = tree.kind() == PropertyNodeKind::List || tree.kind() == PropertyNodeKind::Map;
+  if (container && plain && (!printed || part != line)) std::abort();
 }
 
 void drawVariant(VxVariant const &value, ConsoleOptions const &options) {

@@ -87,7 +87,8 @@ bool readAlsoFromStream(VxString const &text, Read read, Value &value, VxString 
 }
 
 // The stream reader must read what the text reader reads, and the frozen tree must write what the
-// mutable one writes, to a text and to a stream alike; a unit is read from the tree.
+// mutable one writes, to a text and to a stream alike, as the mutable one writes to a stream; a unit
+// is read from the tree.
 template <class Formatter, class Read>
 void streamsAndFrozen(VxString const &text, Read read) {
   PropertyNode tree;
@@ -95,10 +96,12 @@ void streamsAndFrozen(VxString const &text, Read read) {
   if (!readAlsoFromStream<Formatter>(text, read, tree, written)) return;
   storedUnit(tree);
   FPropertyNode const frozen(tree);
-  std::ostringstream out;
+  std::ostringstream out, treeOut;
   Formatter::serialize(frozen, out, 1);
-  if (Formatter::serialize(frozen) != written ||
-      VxString(out.str().data(), out.str().size()) != Formatter::serialize(tree, 1))
+  Formatter::serialize(tree, treeOut, 1);
+  VxString const indented = Formatter::serialize(tree, 1);
+  if (Formatter::serialize(frozen) != written || VxString(out.str().data(), out.str().size()) != indented ||
+      VxString(treeOut.str().data(), treeOut.str().size()) != indented)
     std::abort();
 }
 
