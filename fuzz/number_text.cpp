@@ -24,10 +24,19 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const *data, std::size_t size
     if (real && std::isfinite(*real)) {
       VxString const written = fromDouble(*real);
       if (!isValidNumber(written)) std::abort();
+      // Every format writes a number; the exponent forms at 17 digits write this one.
+      for (DoubleFormat const format :
+           {DoubleFormat::scientific, DoubleFormat::scientificUpper, DoubleFormat::fixed,
+            DoubleFormat::general, DoubleFormat::generalUpper}) {
+        VxString const digits = fromDouble(*real, format, 17);
+        bool const exact = format != DoubleFormat::fixed;
+        if (!isValidNumber(digits) || (exact && toDouble(digits) != real)) std::abort();
+      }
     }
     // Concatenation stops a text at its first NUL, so only texts without one come back whole.
     VxString const quoted = addQuotes(text);
-    if (!isQuoted(quoted) || (std::memchr(data, 0, size) == nullptr && stripQuotes(quoted) != text)) std::abort();
+    if (!isQuoted(quoted) || (std::memchr(data, 0, size) == nullptr && stripQuotes(quoted) != text))
+      std::abort();
     int const width = size ? static_cast<signed char>(data[0]) : 0;
     if (padString(text, width).size() < text.size()) std::abort();
   } catch (...) {

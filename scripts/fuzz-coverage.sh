@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs each fuzz target of a coverage build once over its committed corpus, then prints the line
-# coverage that the corpora reach, per file and per folder of the library.
+# coverage that the corpora reach, per file and per folder of the library and the tool.
 # Usage: scripts/fuzz-coverage.sh BUILD_DIR TARGET...
 set -euo pipefail
 build=$1
@@ -19,7 +19,7 @@ llvm-cov-14 report -instr-profile="$profiles/all.profdata" "${objects[@]}" >"$pr
 # Columns of a file's row: name, regions, missed, cover, functions, missed, executed, lines, missed.
 # Paths are relative to the source tree, as ccache's base directory makes them.
 awk '
-  $1 ~ /^(src|include)\// && NF >= 10 {
+  $1 ~ /^(src|include|tools)\// && NF >= 10 {
     folder = $1; sub(/\/[^\/]*$/, "", folder)
     lines[folder] += $8; missed[folder] += $9
   }

@@ -133,7 +133,9 @@ TEST(ToolDocumentTest, PathsAreJsonPointers) {
   EXPECT_EQ(tilde.out, "path\tunit\tcount\tmin\tmax\tmean\tstd dev\tNaN\nm/t~0\tV\t1\t3\t3\t3\t-\t0\n") << tilde.err;
   expectRuns({{"stats - --at 'm/x~2'", awkward.c_str(), "", "vantra: bad property path 'm/x~2': '~' must be followed by 0 or 1\n"},
               {"stats measurement.json --at 'channels/*/nothing'", "", "",
-               "vantra: no property at 'channels/*/nothing' in 'measurement.json': no key 'nothing' in 'channels/0'\n"}},
+               "vantra: no property at 'channels/*/nothing' in 'measurement.json': no key 'nothing' in 'channels/0'\n"},
+              {"stats - --at 'l/*'", R"({"l":[]})", "", "vantra: no property at 'l/*' in standard input: 'l' is an empty list\n"},
+              {"stats - --at '*'", "{}", "", "vantra: no property at '*' in standard input: '' is an empty map\n"}},
              2);
 }
 

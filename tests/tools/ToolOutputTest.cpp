@@ -105,4 +105,27 @@ TEST(ToolOutputTest, CsvComesInAndGoesOut) {
              2);
 }
 
+// Cells that a CSV reader drops or trims unless they are quoted, headers with brackets of their own,
+// and times early in the calendar come back from an export as they went in; a time the export could
+// not write back stays text.
+TEST(ToolOutputTest, CsvExportReadsBackAsItWasImported) {
+  struct {
+    char const *imported, *exported;
+  } const cases[] = {
+      {"a\n\"\"\nx\n", "a\r\n\"\"\r\nx\r\n"},
+      {"\"\"\n1\n", "\"\"\r\n1\r\n"},
+      {",b\n1,2\n", ",b\r\n1,2\r\n"},
+      {"x (a[b);y [] []\n1;2\n", "x (a[b),y [] []\r\n1,2\r\n"},
+      {"a;b\n\" x\";\"y\t\"\n", "a,b\r\n\" x\",\"y\t\"\r\n"},
+      {"t\n0999-01-01T00:00:00.5Z\n", "t\r\n0999-01-01T00:00:00.5Z\r\n"},
+      {"t\n0000-01-01T00:00:00+01:00\n", "t\r\n0000-01-01T00:00:00+01:00\r\n"},
+  };
+  for (auto const &each : cases) {
+    Outcome const imported = vantra("import csv -", each.imported);
+    Outcome const exported = vantra("export csv -", imported.out);
+    EXPECT_EQ(exported.out, each.exported) << each.imported << imported.err << exported.err;
+    EXPECT_EQ(vantra("export csv -", vantra("import csv -", exported.out).out).out, each.exported);
+  }
+}
+
 }  // namespace

@@ -58,13 +58,26 @@ char guessDelimiter(std::string const &text) {
 }
 
 std::string csvField(std::string const &field, char delimiter) {
-  if (field.find_first_of(std::string("\"\r\n") + delimiter) == std::string::npos) return field;
+  auto const blank = [](char c) { return c == ' ' || c == '\t'; };
+  bool const bare = field.find_first_of(std::string("\"\r\n") + delimiter) == std::string::npos &&
+                    (field.empty() || (!blank(field.front()) && !blank(field.back())));
+  if (bare) return field;
   std::string out = "\"";
   for (char const c : field) {
     if (c == '"') out += '"';
     out += c;
   }
   return out + "\"";
+}
+
+std::string csvRecord(std::vector<std::string> const &fields, char delimiter) {
+  if (fields.size() == 1 && fields.front().empty()) return "\"\"\r\n";
+  std::string record;
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (i > 0) record += delimiter;
+    record += csvField(fields[i], delimiter);
+  }
+  return record + "\r\n";
 }
 
 }  // namespace vantra

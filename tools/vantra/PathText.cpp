@@ -59,6 +59,7 @@ struct Walk {
     if (node.kind() == PropertyNodeKind::List) {
       PropertyList &list = node.list();
       if (segment == "*") {
+        if (list.empty()) miss(quoted(pathText(at)) + " is an empty list");
         for (std::size_t i = 0; i < list.size(); ++i)
           into(list[i], std::to_string(i));
       } else if (!allDigits(segment)) {
@@ -74,6 +75,7 @@ struct Walk {
     } else if (node.kind() == PropertyNodeKind::Map) {
       PropertyMap &map = node.map();
       if (segment == "*") {
+        if (map.empty()) miss(quoted(pathText(at)) + " is an empty map");
         for (PropertyMapEntry &entry : map)
           into(entry.node, std::string(entry.key.data(), entry.key.length()));
       } else {

@@ -3,6 +3,7 @@
 #include <VantraCore/VantraCore.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -40,8 +41,13 @@ std::string timestampText(Timestamp value) {
   std::time_t const whole = static_cast<std::time_t>(split.seconds);
   std::tm calendar{};
   if (!split.exact || gmtime_r(&whole, &calendar) == nullptr) return count.str() + " fs since the epoch";
+  // Four digits for the year, as parseTimestamp reads them; a sign beyond them, as ISO 8601 expands it.
+  long const year = calendar.tm_year + 1900L;
+  char const *const format = year >= 0 && year <= 9999 ? "%04ld" : "%+05ld";
   char text[64];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &calendar);
+  int const length = std::snprintf(text, sizeof text, format, year);
+  std::snprintf(text + length, sizeof text - length, "-%02d-%02dT%02d:%02d:%02d", calendar.tm_mon + 1,
+                calendar.tm_mday, calendar.tm_hour, calendar.tm_min, calendar.tm_sec);
   return text + fraction(static_cast<std::int64_t>(split.subseconds)) + "Z";
 }
 
@@ -106,6 +112,9 @@ bool parseTimestamp(std::string const &text, Timestamp &value) {
   if (at != text.size()) return false;
   std::int64_t const seconds =
       daysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second - offset;
+  // A zone can move the time out of the years 0000 to 9999, which timestampText would not write back
+  // in a form read here.
+  if (seconds < daysFromCivil(0, 1, 1) * 86400 || seconds >= daysFromCivil(10000, 1, 1) * 86400) return false;
   value = Timestamp(Duration(int128_t(seconds) * int128_t(femtosecondsPerSecond) + int128_t(femtos)));
   return true;
 }
