@@ -172,19 +172,20 @@ PropertyNode parseTree(VxString const &text, ReadOptions const &options) {
   return JsonFormatter::deserializePropertyNode(text, cap);
 }
 
-// The one place a tree becomes a document's text.
-VxString serializeTree(PropertyNode const &tree, WriteOptions const &options) {
+// The one place a tree becomes a document's text. Each writer builds its whole text before it hands
+// any of it to `out`, so a failure leaves the output untouched.
+void serializeTree(PropertyNode const &tree, WriteOptions const &options, std::ostream &out) {
   JsonNumberText const numbers = options.numbers == NumberText::shortest ? JsonNumberText::shortestRoundTrip
                                                                          : JsonNumberText::fifteenDigits;
   switch (options.fidelity) {
     case Fidelity::mid:
-      return JsonFormatterMidFidelity::serialize(tree, options.indent, numbers);
+      return JsonFormatterMidFidelity::serialize(tree, out, options.indent, numbers);
     case Fidelity::low:
-      return JsonFormatterLowFidelity::serialize(tree, options.indent, numbers);
+      return JsonFormatterLowFidelity::serialize(tree, out, options.indent, numbers);
     case Fidelity::full:
       break;
   }
-  return JsonFormatter::serialize(tree, options.indent, numbers);
+  JsonFormatter::serialize(tree, out, options.indent, numbers);
 }
 
 }  // namespace
@@ -201,8 +202,9 @@ PropertyNode readDocument(std::string const &file, ReadOptions const &options) {
 void writeDocument(PropertyNode const &tree, WriteOptions const &options) {
   warnOfWritingLosses(tree);
   releaseWarnings(options.strict);
-  VxString const text = withContext("cannot write the document", [&] { return serializeTree(tree, options); });
-  writeOutput(std::string_view(text.data(), text.length()));
+  withContext("cannot write the document", [&] {
+    writeOutputThrough([&](std::ostream &out) { serializeTree(tree, options, out); });
+  });
   writeOutput("\n");
 }
 
