@@ -89,16 +89,23 @@ char *digitsEndingAt(std::uint64_t value, char *end) {
   return end;
 }
 
+// Room that layOut may write, and read behind `text`: it copies digits in fixed runs of 24 bytes,
+// whatever their count, and the surplus is overwritten or left unused.
+constexpr std::size_t digitRun = 24;
+constexpr std::size_t layOutRoom = 2 + 2 * digitRun;
+
 // `count` digits of `text`, the first of them at the decimal `exponent`, in scientific or fixed
 // notation as printf writes them.
-std::size_t layOut(bool negative, char const *text, int count, int exponent, bool scientific, char *out) {
+[[gnu::always_inline]] inline std::size_t layOut(bool negative, char const *text, int count, int exponent,
+                                                 bool scientific, char *out) {
   char *end = out;
   if (negative) *end++ = '-';
   if (scientific) {
     *end++ = text[0];
     if (count > 1) {
       *end++ = '.';
-      end = std::copy(text + 1, text + count, end);
+      std::memcpy(end, text + 1, digitRun);
+      end += count - 1;
     }
     *end++ = 'e';
     *end++ = exponent < 0 ? '-' : '+';
@@ -108,17 +115,20 @@ std::size_t layOut(bool negative, char const *text, int count, int exponent, boo
     *end++ = static_cast<char>('0' + power % 10);
   } else if (exponent >= 0) {
     int const whole = exponent + 1;
-    end = std::copy(text, text + std::min(whole, count), end);
+    std::memcpy(end, text, digitRun);
+    end += std::min(whole, count);
     if (count < whole) end = std::fill_n(end, whole - count, '0');
     if (count > whole) {
       *end++ = '.';
-      end = std::copy(text + whole, text + count, end);
+      std::memcpy(end, text + whole, digitRun);
+      end += count - whole;
     }
   } else {
     *end++ = '0';
     *end++ = '.';
     end = std::fill_n(end, -exponent - 1, '0');
-    end = std::copy(text, text + count, end);
+    std::memcpy(end, text, digitRun);
+    end += count;
   }
   return static_cast<std::size_t>(end - out);
 }
@@ -152,8 +162,8 @@ std::size_t printFifteenDigits(double value, char *out) {
     ++exponent;
   }
   if (digits < 100000000000000u) return 0;
-  char text[15];
-  digitsEndingAt(digits, text + sizeof text);
+  char text[15 + 2 * digitRun];
+  digitsEndingAt(digits, text + 15);
   int count = 15;
   while (count > 1 && text[count - 1] == '0')
     --count;
@@ -173,9 +183,9 @@ std::size_t printShortest(Floating value, char *out) {
     significand /= 10;
     ++exponent;
   }
-  char digits[20];
-  char const *const text = digitsEndingAt(significand, digits + sizeof digits);
-  int const count = static_cast<int>(digits + sizeof digits - text);
+  char digits[20 + 2 * digitRun];
+  char const *const text = digitsEndingAt(significand, digits + 20);
+  int const count = static_cast<int>(digits + 20 - text);
   // The exponent of the first digit, and the length of either notation without the sign.
   int const first = exponent + count - 1;
   int const power = std::abs(first);
@@ -230,7 +240,7 @@ template <class Floating>
 void JsonTextWriter::shortestNumber(Floating value) {
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
-  m_text.advance(printShortest(value, valueRoom(32)));
+  m_text.advance(printShortest(value, valueRoom(layOutRoom)));
 }
 
 void JsonTextWriter::number(float value) {
@@ -243,7 +253,7 @@ void JsonTextWriter::number(double value) {
   if (!std::isfinite(value)) return null();
   if (value == 0) return literal(std::signbit(value) ? "-0.0" : "0.0");
   // %.15g, as a stream at precision 15 in the classic locale prints it.
-  char *const digits = valueRoom(32);
+  char *const digits = valueRoom(layOutRoom);
   std::size_t length = printFifteenDigits(value, digits);
   if (length == 0) {
     std::to_chars_result const end =
