@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <cstring>
 #include <vector>
 
 namespace Tarvex::VantraCore::Internal {
@@ -96,28 +95,22 @@ char numberClassOf(std::uint64_t const *tape, std::size_t at) {
   return integer && static_cast<std::int64_t>(tape[at + 1]) >= 0 ? JsonTape::unsignedInteger : kind;
 }
 
-std::string_view stringOf(JsonDocument const &document, std::size_t at) {
-  std::uint8_t const *const start = document.strings + (document.tape[at] & JsonTape::payloadMask);
-  std::uint32_t length;
-  std::memcpy(&length, start, sizeof length);
-  return std::string_view(reinterpret_cast<char const *>(start + sizeof length), length);
-}
-
 }  // namespace
 
 bool sameJsonDocument(JsonDocument const &a, JsonDocument const &b) {
   std::size_t const length = static_cast<std::size_t>(a.tape[0] & JsonTape::payloadMask);
   if (length != (b.tape[0] & JsonTape::payloadMask)) return false;
+  JsonCursor const first(a), second(b);
   for (std::size_t at = 1; at + 1 < length; ++at) {
     char const kind = numberClassOf(a.tape, at);
     if (kind != numberClassOf(b.tape, at)) return false;
     switch (kind) {
       case JsonTape::string:
-        if (stringOf(a, at) != stringOf(b, at)) return false;
+        if (first.text(at) != second.text(at)) return false;  // keys read as strings too
         break;
       case JsonTape::array:
       case JsonTape::object:
-        if ((a.tape[at] & a.endMask) != (b.tape[at] & b.endMask)) return false;
+        if (first.end(at) != second.end(at)) return false;
         break;
       case JsonTape::signedInteger:
       case JsonTape::signedZero:

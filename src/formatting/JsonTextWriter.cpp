@@ -215,12 +215,6 @@ void JsonTextWriter::lineBreak() {
   m_text.append(m_empty.size() * static_cast<std::size_t>(m_indent), ' ');
 }
 
-void JsonTextWriter::separate() {
-  if (!m_empty.back()) m_text.push_back(',');
-  m_empty.back() = false;
-  lineBreak();
-}
-
 void JsonTextWriter::close(char bracket) {
   bool const empty = m_empty.back();
   m_empty.pop_back();
@@ -229,7 +223,7 @@ void JsonTextWriter::close(char bracket) {
 }
 
 void JsonTextWriter::key(std::string_view name) {
-  separate();
+  beforeValue();
   appendQuoted(name);
   m_text.push_back(':');
   if (m_indent >= 0) m_text.push_back(' ');

@@ -79,15 +79,8 @@ class JsonTextWriter {
   void string(std::string_view value);
 
  private:
-  void beforeValue() {
-    if (m_afterKey) {
-      m_afterKey = false;
-    } else if (!m_empty.empty()) {
-      separate();
-    }
-  }
-  // The comma and line break that lead a member or element.
-  void separate();
+  // The comma and line break that lead a member or element, where one is due.
+  void beforeValue() { valueRoom(0); }
   // Room for a value of at most `bytes` bytes behind the separator that leads it, which is written
   // here: one reservation per number, however deep the indentation.
   char *valueRoom(std::size_t bytes) {
