@@ -4,6 +4,7 @@
 #include <VantraCore/FPropertyNode.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>
 
 #include <cstdint>
@@ -75,6 +76,12 @@ class VANTRACORE_API JsonFormatter {
   static PropertyNode deserializePropertyNode(std::istream &in,
                                               std::uint64_t maxFilledElements = jsonUnboundedFill);
   static PropertyNode deserializePropertyNode(VxString text, std::uint64_t maxFilledElements = jsonUnboundedFill);
+  // The same reading of bytes that stay the caller's, without a copy: for a host whose text lives in
+  // memory of its own. The bytes must not change until the call returns; the tree does not refer to
+  // them. The VxString forms give their text back as soon as it is parsed, when they hold the only
+  // reference, so a text moved into them is not resident while the tree is built.
+  static PropertyNode deserializePropertyNodeInPlace(VxStringView text,
+                                                     std::uint64_t maxFilledElements = jsonUnboundedFill);
 
  private:
   // The templates above for each variant flavour.

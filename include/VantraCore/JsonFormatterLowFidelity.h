@@ -5,6 +5,7 @@
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>
 
 #include <iosfwd>
@@ -58,6 +59,8 @@ class VANTRACORE_API JsonFormatterLowFidelity {
   // `arrays` says how a tree takes plain arrays; asLists is the reading described above.
   static PropertyNode deserializePropertyNode(std::istream &in, JsonArrays arrays = JsonArrays::asLists);
   static PropertyNode deserializePropertyNode(VxString text, JsonArrays arrays = JsonArrays::asLists);
+  // Bytes that stay the caller's, read without a copy, as JsonFormatter's.
+  static PropertyNode deserializePropertyNodeInPlace(VxStringView text, JsonArrays arrays = JsonArrays::asLists);
 
  private:
   // The templates above for each variant flavour.

@@ -5,6 +5,7 @@
 #include <VantraCore/JsonFormatter.h>
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>
 
 #include <cstdint>
@@ -60,6 +61,9 @@ class VANTRACORE_API JsonFormatterMidFidelity {
                                               std::uint64_t maxFilledElements = jsonUnboundedFill);
   static PropertyNode deserializePropertyNode(VxString text, JsonArrays arrays = JsonArrays::asLists,
                                               std::uint64_t maxFilledElements = jsonUnboundedFill);
+  // Bytes that stay the caller's, read without a copy, as JsonFormatter's.
+  static PropertyNode deserializePropertyNodeInPlace(VxStringView text, JsonArrays arrays = JsonArrays::asLists,
+                                                     std::uint64_t maxFilledElements = jsonUnboundedFill);
 };
 
 }  // namespace Tarvex::VantraCore

@@ -97,24 +97,7 @@ void writeFile(py::handle path, VxString const &text) {
   raiseFileError(error, path);
 }
 
-// The bytes of str (as UTF-8) or of any bytes-like object, copied into the reader's string.
-VxString textOf(py::handle source) {
-  if (py::isinstance<py::str>(source)) {
-    Py_ssize_t length = 0;
-    char const *const bytes = PyUnicode_AsUTF8AndSize(source.ptr(), &length);
-    if (bytes == nullptr) throw py::error_already_set();
-    py::gil_scoped_release released;  // the str is immutable and held by the caller
-    return VxString(bytes, static_cast<std::uint64_t>(length));
-  }
-  if (!PyObject_CheckBuffer(source.ptr()))
-    throw py::type_error("expected str or a bytes-like object, not " +
-                         py::str(py::type::handle_of(source).attr("__name__")).cast<std::string>());
-  py::buffer_info const buffer = py::reinterpret_borrow<py::buffer>(source).request();
-  return VxString(static_cast<char const *>(buffer.ptr),
-                  static_cast<std::uint64_t>(buffer.size * buffer.itemsize));
-}
-
-py::object parse(VxString const &text, std::string const &fidelity, std::string const &arrays,
+py::object parse(VxStringView text, std::string const &fidelity, std::string const &arrays,
                  py::object const &maxElements) {
   Fidelity const chosenFidelity = fidelityOf(fidelity);
   std::optional<std::uint64_t> const cap =
@@ -140,18 +123,36 @@ VxString write(py::handle object, std::string const &fidelity, py::object const 
   return text;
 }
 
+// The bytes of str (as UTF-8) or of any bytes-like object. A str or bytes is read where it lies: the
+// caller holds it, and it cannot change. Any other buffer could change while the GIL is released, so
+// its bytes are copied first.
+py::object loads(py::object const &source, std::string const &fidelity, std::string const &arrays,
+                 py::object const &maxElements) {
+  if (py::isinstance<py::str>(source)) {
+    Py_ssize_t length = 0;
+    char const *const bytes = PyUnicode_AsUTF8AndSize(source.ptr(), &length);
+    if (bytes == nullptr) throw py::error_already_set();
+    return parse(VxStringView(bytes, static_cast<std::uint64_t>(length)), fidelity, arrays, maxElements);
+  }
+  if (py::isinstance<py::bytes>(source)) {
+    return parse(VxStringView(PyBytes_AS_STRING(source.ptr()), static_cast<std::uint64_t>(PyBytes_GET_SIZE(source.ptr()))),
+                 fidelity, arrays, maxElements);
+  }
+  if (!PyObject_CheckBuffer(source.ptr()))
+    throw py::type_error("expected str or a bytes-like object, not " +
+                         py::str(py::type::handle_of(source).attr("__name__")).cast<std::string>());
+  py::buffer_info const buffer = py::reinterpret_borrow<py::buffer>(source).request();
+  VxString const copy(static_cast<char const *>(buffer.ptr), static_cast<std::uint64_t>(buffer.size * buffer.itemsize));
+  return parse(copy, fidelity, arrays, maxElements);
+}
+
 py::object load(py::object const &source, std::string const &fidelity, std::string const &arrays,
                 py::object const &maxElements) {
   if (isPath(source)) return parse(readFile(source), fidelity, arrays, maxElements);
   if (!py::hasattr(source, "read")) throw py::type_error("load takes a path or a binary file");
   py::object const content = source.attr("read")();
   if (py::isinstance<py::str>(content)) throw py::type_error("load takes a binary file: open it with \"rb\"");
-  return parse(textOf(content), fidelity, arrays, maxElements);
-}
-
-py::object loads(py::object const &source, std::string const &fidelity, std::string const &arrays,
-                 py::object const &maxElements) {
-  return parse(textOf(source), fidelity, arrays, maxElements);
+  return loads(content, fidelity, arrays, maxElements);
 }
 
 py::str dumps(py::object const &object, std::string const &fidelity, py::object const &indent,

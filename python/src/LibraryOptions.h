@@ -3,6 +3,7 @@
 #include <VantraCore/PropertyNode.h>
 #include <VantraCore/Unit.h>
 #include <VantraCore/VxString.h>
+#include <VantraCore/VxStringView.h>
 #include <VantraCore/VxVariant.h>
 
 #include <cstdint>
@@ -17,7 +18,8 @@ enum class ArrayForm { variants, lists };
 
 // None of these needs the GIL. `maxElements` bounds the elements a document may declare beyond those
 // it carries; without it, the larger of 16M and sixteen times what a text of its length can carry.
-Tarvex::VantraCore::PropertyNode parseDocument(Tarvex::VantraCore::VxString const &text, Fidelity fidelity,
+// The text is read where it lies, not copied.
+Tarvex::VantraCore::PropertyNode parseDocument(Tarvex::VantraCore::VxStringView text, Fidelity fidelity,
                                                ArrayForm arrays, std::optional<std::uint64_t> maxElements);
 Tarvex::VantraCore::VxString writeDocument(Tarvex::VantraCore::PropertyNode const &node, Fidelity fidelity,
                                            int indent, NumberText numbers);

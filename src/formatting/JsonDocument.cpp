@@ -87,12 +87,24 @@ std::string_view JsonCursor::text(std::size_t at) const {
 
 namespace {
 
-// A word's kind, with the integers that read as unsigned named so: the library's -0 and the quick
-// parse's 0 are the same number.
-char numberClassOf(std::uint64_t const *tape, std::size_t at) {
-  auto const kind = static_cast<char>(tape[at] >> JsonTape::typeShift);
-  bool const integer = kind == JsonTape::signedInteger || kind == JsonTape::signedZero;
-  return integer && static_cast<std::int64_t>(tape[at + 1]) >= 0 ? JsonTape::unsignedInteger : kind;
+// What a word holds, for comparing two tapes: the library's -0 and the quick parse's 0 are the same
+// number, and a container's word by where it ends.
+struct Held {
+  JsonType type;
+  std::uint64_t bits;
+};
+
+Held held(JsonCursor const &cursor, std::uint64_t const *tape, std::size_t at) {
+  JsonType const type = cursor.typeOf(at);
+  switch (type) {
+    case JsonType::floating:
+      return {type, JsonTape::doubleWord(cursor.floating(at))};
+    case JsonType::integer:
+    case JsonType::unsignedInteger:
+      return {JsonType::integer, cursor.unsignedInteger(at)};
+    default:
+      return {type, tape[at]};
+  }
 }
 
 }  // namespace
@@ -102,25 +114,12 @@ bool sameJsonDocument(JsonDocument const &a, JsonDocument const &b) {
   if (length != (b.tape[0] & JsonTape::payloadMask)) return false;
   JsonCursor const first(a), second(b);
   for (std::size_t at = 1; at + 1 < length; ++at) {
-    char const kind = numberClassOf(a.tape, at);
-    if (kind != numberClassOf(b.tape, at)) return false;
-    switch (kind) {
-      case JsonTape::string:
-        if (first.text(at) != second.text(at)) return false;  // keys read as strings too
-        break;
-      case JsonTape::array:
-      case JsonTape::object:
-        if (first.end(at) != second.end(at)) return false;
-        break;
-      case JsonTape::signedInteger:
-      case JsonTape::signedZero:
-      case JsonTape::unsignedInteger:
-      case JsonTape::floating:
-        ++at;
-        if (a.tape[at] != b.tape[at]) return false;
-        break;
-      default:  // the constants and the closing words, whose payloads point back to their openings
-        if (a.tape[at] != b.tape[at]) return false;
+    Held const x = held(first, a.tape, at), y = held(second, b.tape, at);
+    if (x.type != y.type) return false;
+    if (x.type == JsonType::string) {
+      if (first.text(at) != second.text(at)) return false;  // keys read as strings too
+    } else if (x.bits != y.bits) {
+      return false;  // numbers, constants, containers and closing words, which point back to their openings
     }
   }
   return true;

@@ -30,6 +30,7 @@ std::string withoutLibraryPrefix(char const *what) {
 struct LibraryTape {
   std::vector<std::uint64_t> tape;
   std::vector<std::uint8_t> strings;
+  std::vector<std::uint64_t> wide;
 };
 
 class DocumentBuilder {
@@ -39,13 +40,14 @@ class DocumentBuilder {
   bool null() { return constant(JsonTape::null); }
   bool boolean(bool value) { return constant(value ? JsonTape::trueValue : JsonTape::falseValue); }
   bool number_integer(std::int64_t value) {
-    return number(value == 0 ? JsonTape::signedZero : JsonTape::signedInteger, static_cast<std::uint64_t>(value));
+    if (value == 0) return constant(JsonTape::signedZero);
+    return number([value](JsonTape::NumberWriter &writer) { writer.append_s64(value); });
   }
-  bool number_unsigned(std::uint64_t value) { return number(JsonTape::unsignedInteger, value); }
+  bool number_unsigned(std::uint64_t value) {
+    return number([value](JsonTape::NumberWriter &writer) { writer.append_u64(value); });
+  }
   bool number_float(double value, std::string const &) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return number(JsonTape::floating, bits);
+    return number([value](JsonTape::NumberWriter &writer) { writer.append_double(value); });
   }
   bool string(std::string &value) {
     m_out.tape.push_back(JsonTape::word(JsonTape::string, m_out.strings.size()));
@@ -75,16 +77,20 @@ class DocumentBuilder {
   }
 
  private:
-  bool constant(char kind) {
+  bool constant(JsonTape::Kind kind) {
     m_out.tape.push_back(JsonTape::word(kind, 0));
     return true;
   }
-  bool number(char kind, std::uint64_t bits) {
-    m_out.tape.push_back(JsonTape::word(kind, 0));
-    m_out.tape.push_back(bits);
+  // A number's word, as the quick parse writes it.
+  template <class Write>
+  bool number(Write const &write) {
+    std::uint64_t word;
+    JsonTape::NumberWriter writer{&word, &m_out.wide};
+    write(writer);
+    m_out.tape.push_back(word);
     return true;
   }
-  bool open(char kind) {
+  bool open(JsonTape::Kind kind) {
     if (m_open.size() >= jsonReaderMaxDepth) {
       throw std::invalid_argument("parse error - document nested deeper than " +
                                   std::to_string(jsonReaderMaxDepth) + " levels");
@@ -94,7 +100,7 @@ class DocumentBuilder {
     return true;
   }
   // The opening word learns where its container ends; the closing one points back to it.
-  bool close(char kind) {
+  bool close(JsonTape::Kind kind) {
     std::size_t const opening = m_open.back();
     m_open.pop_back();
     m_out.tape.push_back(JsonTape::word(kind, opening));
@@ -116,6 +122,7 @@ JsonDocument parseJsonDocumentByLibrary(std::string_view text) {
   JsonDocument document;
   document.tape = out->tape.data();
   document.strings = out->strings.data();
+  document.wide = out->wide.data();
   document.owner = std::move(out);
   return document;
 }

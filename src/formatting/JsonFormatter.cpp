@@ -182,4 +182,8 @@ PropertyNode JsonFormatter::deserializePropertyNode(VxString text, std::uint64_t
   return Internal::readJsonDocument(text, Internal::readFullNode, {JsonArrays::asLists, maxFilledElements});
 }
 
+PropertyNode JsonFormatter::deserializePropertyNodeInPlace(VxStringView text, std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readFullNode, {JsonArrays::asLists, maxFilledElements});
+}
+
 }  // namespace Tarvex::VantraCore

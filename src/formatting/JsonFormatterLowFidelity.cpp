@@ -165,4 +165,8 @@ PropertyNode JsonFormatterLowFidelity::deserializePropertyNode(VxString text, Js
   return Internal::readJsonDocument(text, Internal::readPlainNode, {arrays, jsonUnboundedFill});
 }
 
+PropertyNode JsonFormatterLowFidelity::deserializePropertyNodeInPlace(VxStringView text, JsonArrays arrays) {
+  return Internal::readJsonDocument(text, Internal::readPlainNode, {arrays, jsonUnboundedFill});
+}
+
 }  // namespace Tarvex::VantraCore

@@ -43,4 +43,9 @@ PropertyNode JsonFormatterMidFidelity::deserializePropertyNode(VxString text, Js
   return Internal::readJsonDocument(text, Internal::readLenientNode, {arrays, maxFilledElements});
 }
 
+PropertyNode JsonFormatterMidFidelity::deserializePropertyNodeInPlace(VxStringView text, JsonArrays arrays,
+                                                              std::uint64_t maxFilledElements) {
+  return Internal::readJsonDocument(text, Internal::readLenientNode, {arrays, maxFilledElements});
+}
+
 }  // namespace Tarvex::VantraCore

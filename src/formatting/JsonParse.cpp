@@ -71,4 +71,8 @@ JsonDocument parseJsonDocument(VxString const &text) {
   return parseText(std::string_view(text.data(), text.length()), text.length() + readableBehindText(text.length()));
 }
 
+JsonDocument parseJsonDocument(VxStringView text) {
+  return parseText(std::string_view(text.data(), text.length()), text.length());
+}
+
 }  // namespace Tarvex::VantraCore::Internal

@@ -1,68 +1,87 @@
 #include <formatting/JsonDocument.h>
+#include <formatting/JsonQuickWalk.h>
 
-#include <text/StringTailRoom.h>
 #include <variant/BulkAllocation.h>
 
 #include <simdjson.h>
 
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
+#include <system_error>
+#include <thread>
+#include <vector>
 
-// The quick parse: a SIMD parser reads the text, and the readers walk its tape where it lies. It only
-// says yes or no; a refused text goes to the library's parse, which words the refusal.
+// The quick parse: a SIMD pass finds the text's structural characters, a walk over them writes the
+// tape, and the numbers are parsed last, on several threads for a large text. It only says yes or
+// no; a refused text goes to the library's parse, which words the refusal.
 namespace Tarvex::VantraCore::Internal {
 namespace {
 
 namespace dom = simdjson::dom;
 
-static_assert(stringTailRoom >= simdjson::SIMDJSON_PADDING, "long strings leave the parser room to read ahead");
-
-// Small texts reuse one parser per thread: fresh buffers would first fault in as many pages as the
-// text takes, each time. The buffers run to about 13 times the text for a run of short numbers, so a
-// large text gets buffers of its own, released with its document: a host thread that once read a large
-// document must not hold on to hundreds of megabytes.
+// Small texts reuse one set of buffers per thread: fresh ones would first fault in as many pages as
+// the text takes, each time. A large text gets buffers of its own, released with its document: a host
+// thread that once read a large document must not hold on to hundreds of megabytes.
 constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
 
-// A text with too little room behind it for the parser's reads, copied with that room.
-class PaddedCopy {
- public:
-  PaddedCopy() = default;
-  PaddedCopy(PaddedCopy const &) = delete;
-  PaddedCopy &operator=(PaddedCopy const &) = delete;
-  ~PaddedCopy() { releaseBulk(m_memory); }
+// Numbers parsed on one thread before another is worth starting.
+constexpr std::size_t numbersPerThread = std::size_t(1) << 18;
+constexpr unsigned maxNumberThreads = 4;
 
-  std::string_view of(std::string_view text) {
-    std::size_t const needed = text.size() + simdjson::SIMDJSON_PADDING;
-    if (m_capacity < needed) {
+// Positions of a large text's structural characters given back while the walk goes on, so that they
+// and the tape that replaces them are not resident together: 2 MiB of them at a time.
+constexpr std::size_t releaseStep = hugePageSize / sizeof(std::uint32_t);
+
+// A block of T that grows to what a text needs; mapped, and advised for huge pages, when large.
+template <class T>
+class Room {
+ public:
+  Room() = default;
+  Room(Room const &) = delete;
+  Room &operator=(Room const &) = delete;
+  ~Room() { releaseBulk(m_memory); }
+
+  T *atLeast(std::size_t count) {
+    if (m_count < count) {
       releaseBulk(m_memory);
       m_memory = nullptr;
-      m_memory = allocateBulk(needed).memory;
-      m_capacity = needed;
+      m_count = 0;
+      m_memory = allocateBulk(count * sizeof(T)).memory;
+      m_count = count;
     }
-    auto *const copy = static_cast<char *>(m_memory);
-    std::memcpy(copy, text.data(), text.size());
-    std::memset(copy + text.size(), 0, simdjson::SIMDJSON_PADDING);
-    return std::string_view(copy, text.size());
+    return static_cast<T *>(m_memory);
   }
 
  private:
   void *m_memory = nullptr;
-  std::size_t m_capacity = 0;
+  std::size_t m_count = 0;
 };
 
 struct ParseBuffers {
-  dom::parser parser;
-  PaddedCopy copy;
+  std::unique_ptr<dom::parser> parser = std::make_unique<dom::parser>();
+  Room<std::uint64_t> tape;
+  Room<std::uint8_t> strings;
+  std::vector<std::uint64_t> wide;
   bool busy = false;
 };
 
-// Huge pages for a large text's fresh buffers, where the kernel grants them: a buffer then faults in
-// a page per 2 MiB instead of per 4 KiB. The advice covers the whole pages inside each buffer.
+// The buffers for one text: the thread's own when the text is small and they are free, else fresh
+// ones. The owner gives the thread's buffers back when the document goes.
+std::shared_ptr<ParseBuffers> buffersFor(std::size_t size) {
+  thread_local ParseBuffers reused;
+  if (size <= reusedCapacity && !reused.busy) {
+    reused.busy = true;
+    return std::shared_ptr<ParseBuffers>(&reused, [](ParseBuffers *buffers) { buffers->busy = false; });
+  }
+  return std::make_shared<ParseBuffers>();
+}
+
+// Huge pages for a large text's structural positions, where the kernel grants them.
 void adviseHugePages(void const *start, std::size_t bytes) {
   constexpr std::uintptr_t page = 4096;
   auto const first = (reinterpret_cast<std::uintptr_t>(start) + page - 1) & ~(page - 1);
@@ -70,49 +89,75 @@ void adviseHugePages(void const *start, std::size_t bytes) {
   if (last > first) madvise(reinterpret_cast<void *>(first), last - first, MADV_HUGEPAGE);
 }
 
-bool allocateForLargeText(dom::parser &parser, std::size_t size) {
-  // The parser's own buffers, and the tape it would otherwise allocate when parsing begins.
-  if (parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS ||
-      parser.doc.allocate(size) != simdjson::SUCCESS) {
+// Finds the structural characters; false for a text that is not UTF-8, holds an unclosed string or a
+// control character in one, or is too large for the parser.
+bool findStructurals(dom::parser &parser, std::string_view text, bool large) {
+  if (text.empty()) return false;
+  if ((!parser.implementation || parser.capacity() < text.size()) &&
+      parser.allocate(text.size(), jsonReaderMaxDepth) != simdjson::SUCCESS) {
     return false;
   }
-  // The sizes the parser gives its buffers for a capacity of `size`.
-  adviseHugePages(parser.doc.tape.get(), (size + 3) * sizeof(std::uint64_t));
-  adviseHugePages(parser.doc.string_buf.get(), 5 * size / 3);
-  adviseHugePages(parser.implementation->structural_indexes.get(), size * sizeof(std::uint32_t));
-  return true;
+  if (large) adviseHugePages(parser.implementation->structural_indexes.get(), text.size() * sizeof(std::uint32_t));
+  auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
+  return parser.implementation->stage1(bytes, text.size(), simdjson::stage1_mode::regular) == simdjson::SUCCESS;
 }
 
-// The parser buffers for one text: the thread's own when the text is small and they are free, else
-// fresh ones. The owner gives the thread's buffers back when the document goes.
-std::shared_ptr<ParseBuffers> buffersFor(std::size_t size) {
-  thread_local ParseBuffers reused;
-  if (size <= reusedCapacity && !reused.busy) {
-    // The parser grows to the texts it meets, keeping the depth it was given first.
-    if (reused.parser.max_depth() != jsonReaderMaxDepth &&
-        reused.parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) {
-      return nullptr;
+std::uint8_t *unescape(void const *parser, std::uint8_t const *from, std::uint8_t *to) {
+  return static_cast<dom::parser const *>(parser)->implementation->parse_string(from, to);
+}
+
+// The pending numbers, in as many slices of the tape as there are threads worth starting.
+bool parseNumbers(std::uint8_t const *text, std::uint64_t *tape, std::size_t length, std::size_t pending) {
+  unsigned const threads = static_cast<unsigned>(std::min<std::size_t>(
+      {pending / numbersPerThread + 1, std::max(1u, std::thread::hardware_concurrency()), maxNumberThreads}));
+  std::size_t const slice = length / threads + 1;
+  std::vector<char> parsed(threads, false);
+  std::vector<std::thread> helpers;
+  for (unsigned k = 1; k < threads; ++k) {
+    std::size_t const from = std::min(length, k * slice);
+    std::size_t const size = std::min(length - from, slice);
+    try {
+      helpers.emplace_back([&parsed, k, text, tape, from, size] { parsed[k] = parsePendingNumbers(text, tape + from, size); });
+    } catch (std::system_error const &) {
+      parsed[k] = parsePendingNumbers(text, tape + from, size);  // no thread to be had: on this one
     }
-    reused.busy = true;
-    return std::shared_ptr<ParseBuffers>(&reused, [](ParseBuffers *buffers) { buffers->busy = false; });
   }
-  auto fresh = std::make_shared<ParseBuffers>();
-  if (!allocateForLargeText(fresh->parser, size)) return nullptr;
-  return fresh;
+  parsed[0] = parsePendingNumbers(text, tape, std::min(length, slice));
+  for (std::thread &helper : helpers)
+    helper.join();
+  return std::all_of(parsed.begin(), parsed.end(), [](char ok) { return ok; });
 }
 
 }  // namespace
 
 bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonDocument &document) {
   std::shared_ptr<ParseBuffers> const buffers = buffersFor(text.size());
-  if (buffers == nullptr) return false;
-  if (capacity < text.size() + simdjson::SIMDJSON_PADDING) text = buffers->copy.of(text);
-  dom::element root;
-  if (buffers->parser.parse(text.data(), text.size(), false).get(root) != simdjson::SUCCESS) return false;
-  document.tape = buffers->parser.doc.tape.get();
-  document.strings = buffers->parser.doc.string_buf.get();
-  // A container's word holds a count above the 32 bits of its end.
-  document.endMask = 0xffffffffu;
+  bool const large = text.size() > reusedCapacity;
+  if (!findStructurals(*buffers->parser, text, large)) return false;
+  auto const &structure = *buffers->parser->implementation;
+  std::size_t const count = structure.n_structural_indexes;
+
+  QuickWalkInput const in{reinterpret_cast<std::uint8_t const *>(text.data()),
+                          text.size(),
+                          capacity,
+                          structure.structural_indexes.get(),
+                          count,
+                          &unescape,
+                          buffers->parser.get(),
+                          large ? releaseStep : 0};
+  QuickWalkOutput out;
+  out.tape = buffers->tape.atLeast(quickTapeRoom(count));
+  out.strings = buffers->strings.atLeast(quickStringRoom(text.size(), count));
+  buffers->wide.clear();
+  out.wide = &buffers->wide;
+  if (!walkJsonStructure(in, out)) return false;
+  // The structural positions are done with; a large text's go before the numbers are parsed.
+  if (large) buffers->parser.reset();
+  if (out.pendingNumbers > 0 && !parseNumbers(in.text, out.tape, out.tapeLength, out.pendingNumbers)) return false;
+
+  document.tape = out.tape;
+  document.strings = out.strings;
+  document.wide = buffers->wide.data();
   document.owner = buffers;
   return true;
 }

@@ -11,6 +11,8 @@
 #include <cmath>
 #include <complex>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -191,6 +193,28 @@ TEST(PlainArraysAsVariants, KindShapeAndOrderFollowTheText) {
   EXPECT_EQ(full(tree.map().at(InternedString("doc")).value()), full(VxVariant(std::vector<double>{1, 2})));
   std::istringstream stream("[1.5]");
   EXPECT_EQ(full(Low::deserializePropertyNode(stream, JsonArrays::asVariants)), full(VxVariant(std::vector<double>{1.5})));
+}
+
+// Reading bytes in place gives the tree that the string forms give, at every fidelity, and the bytes
+// need no room behind them.
+TEST(InPlaceReading, GivesTheTreesOfTheStringForms) {
+  auto const exactly = [](std::string const &text) {
+    std::unique_ptr<char[]> bytes(new char[text.size()]);
+    std::memcpy(bytes.get(), text.data(), text.size());
+    return bytes;
+  };
+  std::string const document = R"({"at":{"_data_":[1,2],"_dimensions_":[2],"_wellknowntype_":"int32"}})";
+  auto const documentBytes = exactly(document);
+  EXPECT_EQ(full(JsonFormatter::deserializePropertyNodeInPlace(VxStringView(documentBytes.get(), document.size()))),
+            full(JsonFormatter::deserializePropertyNode(VxString(document))));
+  std::string const plain = R"({"unit":"mV","samples":[[1,2.5],[3,4]],"at":{"_data_":[1,2]}})";
+  auto const plainBytes = exactly(plain);
+  VxStringView const bytes(plainBytes.get(), plain.size());
+  EXPECT_EQ(full(Mid::deserializePropertyNodeInPlace(bytes, JsonArrays::asVariants)),
+            full(Mid::deserializePropertyNode(VxString(plain), JsonArrays::asVariants)));
+  EXPECT_EQ(full(Low::deserializePropertyNodeInPlace(bytes, JsonArrays::asVariants)),
+            full(Low::deserializePropertyNode(VxString(plain), JsonArrays::asVariants)));
+  EXPECT_THROW(Low::deserializePropertyNodeInPlace(VxStringView("[1,"), JsonArrays::asLists), std::invalid_argument);
 }
 
 TEST(PlainArraysAsVariants, EveryOtherArrayStaysAList) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -137,4 +140,37 @@ TEST(JsonParseRoutes, DocumentsAliveAtOnceKeepTheirOwnValues) {
   EXPECT_EQ(two.member(two.root(), "second"), two.root() + 2);
   EXPECT_EQ(three.itemCount(three.root()), 200001u);
   EXPECT_EQ(three.text(three.end(three.root()) - 1), "end");
+}
+
+// Enough numbers to be parsed on several threads, of every width: those beyond a tape word's payload
+// lie among those parsed late, and each keeps its value to the bit.
+TEST(JsonParseRoutes, ManyNumbersOfEveryWidthAgree) {
+  char const *const numbers[] = {"0.5e-3",     "-1234567", "18446744073709551615", "-9223372036854775808",
+                                 "140737488355328", "-0",  "3.141592653589793",   "1e22"};
+  std::string text = "[";
+  for (int i = 0; i < 600000; ++i)
+    text += std::string(numbers[i % 8]) + ",";
+  text += "0]";
+  JsonDocument quick, library;
+  ASSERT_TRUE(quickTakes(text, quick));
+  ASSERT_TRUE(libraryTakes(text, library));
+  EXPECT_TRUE(sameJsonDocument(quick, library));
+  JsonCursor const cursor(quick);
+  EXPECT_EQ(cursor.unsignedInteger(cursor.root() + 3), 18446744073709551615u);
+  EXPECT_EQ(cursor.integer(cursor.root() + 5), 140737488355328);
+}
+
+// The quick parse reads a text in place even with not one byte readable behind it: a token near the
+// end is parsed from a copy (the sanitizer builds catch a read past the block).
+TEST(JsonParseRoutes, TextsWithNoRoomBehindThem) {
+  for (std::string const text : std::vector<std::string>{"[1.5]", "12", "-0.25e-2", "\"s\\n\"", "[true,null]", "{\"a\":\"xyz\"}",
+                                 "[\"" + std::string(300, 'x') + "\",123456789012345678]"}) {
+    SCOPED_TRACE(text);
+    std::unique_ptr<char[]> const exact(new char[text.size()]);
+    std::memcpy(exact.get(), text.data(), text.size());
+    JsonDocument quick, library;
+    ASSERT_TRUE(parseJsonDocumentQuickly(std::string_view(exact.get(), text.size()), text.size(), quick));
+    ASSERT_TRUE(libraryTakes(text, library));
+    EXPECT_TRUE(sameJsonDocument(quick, library));
+  }
 }

@@ -1,0 +1,269 @@
+#include <formatting/JsonDocument.h>
+#include <formatting/JsonQuickWalk.h>
+
+#include <simdjson.h>
+
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+
+namespace Tarvex::VantraCore::Internal {
+namespace {
+
+namespace numbers = simdjson::builtin::numberparsing;
+
+// A number token this short cannot hold an integer beyond the tape's 48-bit payload, so its value
+// is known to take one word before it is parsed.
+constexpr std::size_t shortNumberSpan = 14;
+
+bool endsScalar(std::uint8_t c) {
+  switch (c) {
+    case ' ':
+    case '\t':
+    case '\n':
+    case '\r':
+    case ',':
+    case ':':
+    case ']':
+    case '}':
+    case '[':
+    case '{':
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Digits then a point or an exponent: a double, whatever its length.
+bool looksFractional(std::uint8_t const *p) {
+  p += *p == '-';
+  while (static_cast<unsigned>(*p - '0') < 10)
+    ++p;
+  return *p == '.' || (*p | 0x20) == 'e';
+}
+
+class Walk {
+ public:
+  Walk(QuickWalkInput const &in, QuickWalkOutput &out) : m_in(in), m_out(out), m_tape(out.tape) {
+    m_open.reset(new std::size_t[jsonReaderMaxDepth]);
+  }
+
+  bool run() {
+    std::size_t const count = m_in.structuralCount;
+    std::size_t releaseAt = m_in.releaseStep ? m_in.releaseStep : std::numeric_limits<std::size_t>::max();
+    std::size_t pos = 0;
+    *m_tape++ = 0;  // the root's opening word, written last
+  value:
+    if (pos >= count) return false;
+    if (pos >= releaseAt) {
+      release(pos);
+      releaseAt += m_in.releaseStep;
+    }
+    switch (m_in.text[m_in.structurals[pos]]) {
+      case '[':
+        if (!open(JsonTape::array)) return false;
+        if (++pos < count && m_in.text[m_in.structurals[pos]] == ']') {
+          ++pos;
+          close();
+          goto after;
+        }
+        goto value;
+      case '{':
+        if (!open(JsonTape::object)) return false;
+        if (++pos < count && m_in.text[m_in.structurals[pos]] == '}') {
+          ++pos;
+          close();
+          goto after;
+        }
+        goto key;
+      case '"':
+        if (!string(pos)) return false;
+        break;
+      case 't':
+        if (!atom(pos, "true", JsonTape::trueValue)) return false;
+        break;
+      case 'f':
+        if (!atom(pos, "false", JsonTape::falseValue)) return false;
+        break;
+      case 'n':
+        if (!atom(pos, "null", JsonTape::null)) return false;
+        break;
+      case '-':
+      case '0':
+      case '1':
+      case '2':
+      case '3':
+      case '4':
+      case '5':
+      case '6':
+      case '7':
+      case '8':
+      case '9':
+        if (!number(pos)) return false;
+        break;
+      default:
+        return false;
+    }
+    ++pos;
+  after:
+    if (m_depth == 0) {
+      if (pos != count) return false;
+      finish();
+      return true;
+    }
+    if (pos >= count) return false;
+    switch (m_in.text[m_in.structurals[pos++]]) {
+      case ',':
+        if (inArray()) goto value;
+        goto key;
+      case ']':
+        if (!inArray()) return false;
+        close();
+        goto after;
+      case '}':
+        if (inArray()) return false;
+        close();
+        goto after;
+      default:
+        return false;
+    }
+  key:
+    if (pos >= count || m_in.text[m_in.structurals[pos]] != '"' || !string(pos)) return false;
+    if (++pos >= count || m_in.text[m_in.structurals[pos]] != ':') return false;
+    ++pos;
+    goto value;
+  }
+
+ private:
+  // Where the token at `pos` ends at the latest: the next structural character, or the text's end.
+  std::size_t tokenEnd(std::size_t pos) const {
+    return pos + 1 < m_in.structuralCount ? m_in.structurals[pos + 1] : m_in.length;
+  }
+  // The token at `pos` where a parse may read quickReadAhead bytes past it: in place, or a copy of
+  // the rest of the text followed by a space (a root scalar needs something to end it) and zeros.
+  std::uint8_t const *readable(std::size_t pos) {
+    std::size_t const start = m_in.structurals[pos];
+    if (m_depth > 0 && tokenEnd(pos) + quickReadAhead <= m_in.capacity) return m_in.text + start;
+    m_copy.assign(reinterpret_cast<char const *>(m_in.text) + start, m_in.length - start);
+    m_copy.push_back(' ');
+    m_copy.append(quickReadAhead, '\0');
+    return reinterpret_cast<std::uint8_t const *>(m_copy.data());
+  }
+
+  bool open(JsonTape::Kind kind) {
+    if (m_depth == jsonReaderMaxDepth) return false;
+    m_open[m_depth++] = static_cast<std::size_t>(m_tape - m_out.tape);
+    *m_tape++ = JsonTape::word(kind, 0);
+    return true;
+  }
+  // The opening word learns where its container ends; the closing one points back to it.
+  void close() {
+    std::size_t const opening = m_open[--m_depth];
+    bool const array = JsonTape::kindOf(m_out.tape[opening]) == JsonTape::array;
+    *m_tape++ = JsonTape::word(array ? JsonTape::arrayEnd : JsonTape::objectEnd, opening);
+    m_out.tape[opening] |= static_cast<std::uint64_t>(m_tape - m_out.tape);
+  }
+  bool inArray() const { return JsonTape::kindOf(m_out.tape[m_open[m_depth - 1]]) == JsonTape::array; }
+
+  bool atom(std::size_t pos, char const *spelling, JsonTape::Kind kind) {
+    std::size_t const start = m_in.structurals[pos];
+    std::size_t const size = std::strlen(spelling);
+    if (m_in.length - start < size || std::memcmp(m_in.text + start, spelling, size) != 0) return false;
+    if (start + size != m_in.length && !endsScalar(m_in.text[start + size])) return false;
+    *m_tape++ = JsonTape::word(kind, 0);
+    return true;
+  }
+
+  bool string(std::size_t pos) {
+    std::uint8_t const *const from = readable(pos) + 1;
+    std::uint8_t *const length = m_out.strings + m_out.stringsLength;
+    std::uint8_t *const to = length + sizeof(std::uint32_t);
+    std::uint8_t *const end = m_in.unescape(m_in.parser, from, to);
+    if (end == nullptr) return false;
+    auto const size = static_cast<std::uint32_t>(end - to);
+    std::memcpy(length, &size, sizeof size);
+    *end = 0;
+    *m_tape++ = JsonTape::word(JsonTape::string, m_out.stringsLength);
+    m_out.stringsLength += sizeof size + size + 1;
+    return true;
+  }
+
+  bool number(std::size_t pos) {
+    std::size_t const start = m_in.structurals[pos];
+    std::size_t const end = tokenEnd(pos);
+    bool const inPlace = m_depth > 0 && end + quickReadAhead <= m_in.capacity;
+    if (inPlace && (end - start <= shortNumberSpan || looksFractional(m_in.text + start))) {
+      *m_tape++ = JsonTape::word(JsonTape::pendingNumber, start);
+      ++m_out.pendingNumbers;
+      return true;
+    }
+    JsonTape::NumberWriter writer{m_tape, m_out.wide};
+    if (numbers::parse_number(readable(pos), writer) != simdjson::SUCCESS) return false;
+    m_tape = writer.out;
+    return true;
+  }
+
+  // Gives back the whole pages of positions before `pos`: the walk never looks back.
+  void release(std::size_t pos) {
+    constexpr std::uintptr_t page = 4096;
+    auto const from = (reinterpret_cast<std::uintptr_t>(m_in.structurals) + page - 1) & ~(page - 1);
+    auto const to = reinterpret_cast<std::uintptr_t>(m_in.structurals + pos - 1) & ~(page - 1);
+    if (to > from) madvise(reinterpret_cast<void *>(from), to - from, MADV_DONTNEED);
+  }
+
+  void finish() {
+    *m_tape++ = JsonTape::word(JsonTape::root, 0);
+    m_out.tapeLength = static_cast<std::size_t>(m_tape - m_out.tape);
+    m_out.tape[0] = JsonTape::word(JsonTape::root, m_out.tapeLength);
+  }
+
+  QuickWalkInput const &m_in;
+  QuickWalkOutput &m_out;
+  std::uint64_t *m_tape;
+  std::unique_ptr<std::size_t[]> m_open;
+  std::size_t m_depth = 0;
+  std::string m_copy;
+};
+
+// Takes a pending number's value when it fits one word, which the walk made sure of. A long number's
+// double is appended by a copy of the writer, hence the pointer; it is finite, so it fits.
+struct OneWord {
+  std::uint64_t *word;
+  bool fits = true;
+  void append_s64(std::int64_t number) {
+    fits = JsonTape::fitsSmall(number);
+    *word = JsonTape::smallWord(number);
+  }
+  void append_u64(std::uint64_t number) {
+    fits = number <= std::uint64_t(JsonTape::smallIntegerMax);
+    *word = JsonTape::smallWord(static_cast<std::int64_t>(number));
+  }
+  void append_double(double number) {
+    *word = JsonTape::doubleWord(number);
+    fits = !JsonTape::boxed(*word);
+  }
+  void skip_double() {}
+};
+
+}  // namespace
+
+bool walkJsonStructure(QuickWalkInput const &in, QuickWalkOutput &out) { return Walk(in, out).run(); }
+
+bool parsePendingNumbers(std::uint8_t const *text, std::uint64_t *tape, std::size_t length) {
+  constexpr std::uint64_t pending = JsonTape::word(JsonTape::pendingNumber, 0) >> JsonTape::kindShift;
+  for (std::size_t at = 0; at < length; ++at) {
+    if ((tape[at] >> JsonTape::kindShift) != pending) continue;
+    OneWord number{tape + at};
+    if (numbers::parse_number(text + (tape[at] & JsonTape::payloadMask), number) != simdjson::SUCCESS ||
+        !number.fits) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace Tarvex::VantraCore::Internal
