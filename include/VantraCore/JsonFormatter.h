@@ -65,6 +65,11 @@ class VANTRACORE_API JsonFormatter {
                             JsonNumberText numbers = JsonNumberText::fifteenDigits);
   static void serialize(FPropertyNode node, std::ostream &out, int indent = -1,
                         JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  // The same text, handed to the stream a block of about 1 MiB at a time as it is written: a large
+  // document's text is never held whole. A failure part of the way leaves the blocks before it
+  // written.
+  static void serializeInBlocks(PropertyNode const &node, std::ostream &out, int indent = -1,
+                                JsonNumberText numbers = JsonNumberText::fifteenDigits);
 
   // ---- reading ----
   // The strict readers of the documents above; each parses the whole input, which must hold exactly

@@ -51,6 +51,9 @@ class VANTRACORE_API JsonFormatterLowFidelity {
                             JsonNumberText numbers = JsonNumberText::fifteenDigits);
   static void serialize(FPropertyNode node, std::ostream &out, int indent = -1,
                         JsonNumberText numbers = JsonNumberText::fifteenDigits);
+  // A block at a time, as JsonFormatter's.
+  static void serializeInBlocks(PropertyNode const &node, std::ostream &out, int indent = -1,
+                                JsonNumberText numbers = JsonNumberText::fifteenDigits);
 
   // ---- reading ----
   // Syntax errors as JsonFormatter.

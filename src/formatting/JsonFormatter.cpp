@@ -25,6 +25,7 @@ namespace JsonKey = Internal::JsonKey;
 using Internal::jsonText;
 using Internal::JsonTextWriter;
 using Internal::jsonToStream;
+using Internal::jsonToStreamInBlocks;
 using Internal::writeElement;
 
 void writeSplit(JsonTextWriter &out, std::int64_t seconds, int128_t const &subseconds) {
@@ -164,6 +165,12 @@ VxString JsonFormatter::serialize(FPropertyNode node, int indent, JsonNumberText
 void JsonFormatter::serialize(FPropertyNode node, std::ostream &out, int indent, JsonNumberText numbers) {
   jsonToStream(out, indent, numbers,
                [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
+}
+
+void JsonFormatter::serializeInBlocks(PropertyNode const &node, std::ostream &out, int indent,
+                                      JsonNumberText numbers) {
+  jsonToStreamInBlocks(out, indent, numbers,
+                       [&](JsonTextWriter &text) { Internal::writeNode(text, node, writeFullVariant); });
 }
 
 VxVariant JsonFormatter::deserializeVxVariant(std::istream &in, std::uint64_t maxFilledElements) {

@@ -149,6 +149,12 @@ void JsonFormatterLowFidelity::serialize(FPropertyNode node, std::ostream &out, 
                          [&](JsonTextWriter &text) { Internal::writeNode(text, node, writePlainValue); });
 }
 
+void JsonFormatterLowFidelity::serializeInBlocks(PropertyNode const &node, std::ostream &out, int indent,
+                                                 JsonNumberText numbers) {
+  Internal::jsonToStreamInBlocks(out, indent, numbers,
+                                 [&](JsonTextWriter &text) { Internal::writeNode(text, node, writePlainValue); });
+}
+
 VxVariant JsonFormatterLowFidelity::deserializeVxVariant(std::istream &in) {
   return Internal::readJsonDocument(in, Internal::readPlainVariant);
 }

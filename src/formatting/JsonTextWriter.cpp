@@ -1,14 +1,53 @@
 #include <formatting/JsonTextWriter.h>
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <ostream>
 
 #include <fmt/format.h>
 
 namespace Tarvex::VantraCore::Internal {
+
+TextBuffer::~TextBuffer() {
+  if (m_capacity >= mappedFrom)
+    munmap(m_text, m_capacity);
+  else
+    delete[] m_text;
+}
+
+void TextBuffer::flush() {
+  if (m_sink != nullptr) m_sink->write(m_text, static_cast<std::streamsize>(m_size));
+  m_size = 0;
+}
+
+void TextBuffer::grow(std::size_t bytes) {
+  if (m_sink != nullptr && m_size > 0) {
+    flush();
+    if (m_capacity >= bytes) return;
+  }
+  std::size_t const capacity = std::max(m_capacity * 2, m_size + bytes + 256);
+  void *text = nullptr;
+  if (capacity < mappedFrom) {
+    text = new char[capacity];
+  } else if (m_capacity >= mappedFrom) {
+    text = mremap(m_text, m_capacity, capacity, MREMAP_MAYMOVE);
+  } else {
+    text = mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  }
+  if (text == MAP_FAILED) throw std::bad_alloc();
+  if (m_capacity < mappedFrom) {
+    if (m_size > 0) std::memcpy(text, m_text, m_size);
+    delete[] m_text;
+  }
+  m_text = static_cast<char *>(text);
+  m_capacity = capacity;
+}
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,11 +20,16 @@ namespace Tarvex::VantraCore::Internal {
 // A growing block of text that hands out room to write into, so numbers print in place.
 class TextBuffer {
  public:
-  std::string_view view() const noexcept { return std::string_view(m_text.get(), m_size); }
+  TextBuffer() = default;
+  TextBuffer(TextBuffer const &) = delete;
+  TextBuffer &operator=(TextBuffer const &) = delete;
+  ~TextBuffer();
+
+  std::string_view view() const noexcept { return std::string_view(m_text, m_size); }
   // At least `bytes` writable bytes behind the text; advance() takes what was written.
   char *room(std::size_t bytes) {
     if (m_capacity - m_size < bytes) grow(bytes);
-    return m_text.get() + m_size;
+    return m_text + m_size;
   }
   void advance(std::size_t bytes) noexcept { m_size += bytes; }
   void push_back(char c) {
@@ -39,17 +45,22 @@ class TextBuffer {
     m_size += count;
   }
   void reserve(std::size_t bytes) { room(bytes); }
+  // From now on, the text written so far goes to `sink` whenever the block is full, instead of the
+  // block growing; flush() passes on the rest.
+  void passOnTo(std::ostream &sink, std::size_t blockBytes) {
+    m_sink = &sink;
+    reserve(blockBytes);
+  }
+  void flush();
 
  private:
-  void grow(std::size_t bytes) {
-    std::size_t const capacity = std::max(m_capacity * 2, m_size + bytes + 256);
-    std::unique_ptr<char[]> text(new char[capacity]);
-    if (m_size > 0) std::memcpy(text.get(), m_text.get(), m_size);
-    m_text = std::move(text);
-    m_capacity = capacity;
-  }
+  // A large text is mapped on its own and grows by remapping, which moves pages instead of copying
+  // them: a text of hundreds of megabytes is never resident twice over while it grows.
+  static constexpr std::size_t mappedFrom = std::size_t(4) << 20;
+  void grow(std::size_t bytes);
 
-  std::unique_ptr<char[]> m_text;
+  char *m_text = nullptr;
+  std::ostream *m_sink = nullptr;
   std::size_t m_size = 0;
   std::size_t m_capacity = 0;
 };
@@ -61,6 +72,10 @@ class JsonTextWriter {
 
   std::string_view text() const noexcept { return m_text.view(); }
   void reserve(std::size_t bytes) { m_text.reserve(bytes); }
+  // The text goes to `sink` a block at a time, the rest at flush(): text() then holds no more than
+  // the current block.
+  void passOnTo(std::ostream &sink, std::size_t blockBytes) { m_text.passOnTo(sink, blockBytes); }
+  void flush() { m_text.flush(); }
 
   void beginObject() { open('{'); }
   void endObject() { close('}'); }

@@ -6,6 +6,7 @@
 #include <formatting/JsonTextWriter.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <ostream>
 #include <string_view>
 #include <type_traits>
@@ -92,6 +93,17 @@ void jsonToStream(std::ostream &stream, int indent, JsonNumberText numbers, Writ
   JsonTextWriter out(indent, numbers);
   write(out);
   stream.write(out.text().data(), static_cast<std::streamsize>(out.text().size()));
+}
+
+// The text of the in-blocks writers goes out a block of this size at a time.
+inline constexpr std::size_t jsonStreamBlockBytes = std::size_t(1) << 20;
+
+template <class Write>
+void jsonToStreamInBlocks(std::ostream &stream, int indent, JsonNumberText numbers, Write const &write) {
+  JsonTextWriter out(indent, numbers);
+  out.passOnTo(stream, jsonStreamBlockBytes);
+  write(out);
+  out.flush();
 }
 
 }  // namespace Tarvex::VantraCore::Internal

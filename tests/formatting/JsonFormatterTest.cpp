@@ -1,4 +1,5 @@
 #include <VantraCore/JsonFormatter.h>
+#include <VantraCore/JsonFormatterLowFidelity.h>
 
 #include <VantraCore/Complex.h>
 #include <VantraCore/Time.h>
@@ -10,6 +11,7 @@
 #include <limits>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using namespace Tarvex::VantraCore;
 
@@ -141,4 +143,29 @@ TEST(JsonFormatter, TreesSortKeysAndWriteEmptyContainersAsNull) {
   EXPECT_EQ(std::string(JsonFormatter::serialize(PropertyNode(PropertyMap()), 2).c_str()), "null");
   EXPECT_EQ(std::string(JsonFormatter::serialize(PropertyNode(PropertyList{PropertyNode()}), 1).c_str()),
             "[\n null\n]");
+}
+
+// Writing a block at a time gives the text of the writers that hold it whole, across many blocks and
+// in every layout.
+TEST(JsonWritingInBlocks, GivesTheWholeWritersText) {
+  std::vector<double> samples(400000);
+  for (std::size_t i = 0; i < samples.size(); ++i)
+    samples[i] = 1.0 / static_cast<double>(i + 3);
+  PropertyMap map;
+  map.insertOrAssign(InternedString("unit"), PropertyNode(VxVariant(VxString("mV"))));
+  map.insertOrAssign(InternedString("samples"), PropertyNode(VxVariant(samples)));
+  map.insertOrAssign(InternedString("empty"), PropertyNode(PropertyList()));
+  PropertyNode const tree(map);
+  for (int indent : {-1, 0, 3}) {
+    for (JsonNumberText numbers : {JsonNumberText::fifteenDigits, JsonNumberText::shortestRoundTrip}) {
+      std::ostringstream whole, blocks, plainWhole, plainBlocks;
+      JsonFormatter::serialize(tree, whole, indent, numbers);
+      JsonFormatter::serializeInBlocks(tree, blocks, indent, numbers);
+      EXPECT_GT(whole.str().size(), std::size_t(4) << 20);
+      EXPECT_TRUE(whole.str() == blocks.str()) << indent;
+      JsonFormatterLowFidelity::serialize(tree, plainWhole, indent, numbers);
+      JsonFormatterLowFidelity::serializeInBlocks(tree, plainBlocks, indent, numbers);
+      EXPECT_TRUE(plainWhole.str() == plainBlocks.str()) << indent;
+    }
+  }
 }

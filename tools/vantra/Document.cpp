@@ -15,6 +15,8 @@
 #include <iostream>
 #include <memory>
 #include <sstream>
+#include <utility>
+#include <vector>
 
 namespace vantra {
 
@@ -156,36 +158,30 @@ VxString documentText(std::string const &file) {
 // The one place a document's text becomes a tree. A document may not ask for far more memory than it
 // carries: every element takes at least two bytes of text ("1,"), so 8 elements a byte is 16 times
 // the most it can carry.
-PropertyNode parseTree(VxString const &text, ReadOptions const &options) {
+// The text is handed over: the library lets it go once parsed, before the tree takes its memory.
+PropertyNode parseTree(VxString text, ReadOptions const &options) {
   constexpr std::uint64_t leastCap = std::uint64_t(16) << 20;
   std::uint64_t const cap = options.maxElements != 0 ? options.maxElements
                                                      : std::max(leastCap, 8 * (std::uint64_t(text.length()) + 1));
   JsonArrays const arrays = options.lists ? JsonArrays::asLists : JsonArrays::asVariants;
   switch (options.fidelity) {
     case Fidelity::mid:
-      return JsonFormatterMidFidelity::deserializePropertyNode(text, arrays, cap);
+      return JsonFormatterMidFidelity::deserializePropertyNode(std::move(text), arrays, cap);
     case Fidelity::low:
-      return JsonFormatterLowFidelity::deserializePropertyNode(text, arrays);
+      return JsonFormatterLowFidelity::deserializePropertyNode(std::move(text), arrays);
     case Fidelity::full:
       break;
   }
-  return JsonFormatter::deserializePropertyNode(text, cap);
+  return JsonFormatter::deserializePropertyNode(std::move(text), cap);
 }
 
-// The one place a tree becomes a document's text. Each writer builds its whole text before it hands
-// any of it to `out`, so a failure leaves the output untouched.
+// The one place a tree becomes a document's text, handed to `out` a block at a time: the text of a
+// large document is never held whole. Mid fidelity writes as full does.
 void serializeTree(PropertyNode const &tree, WriteOptions const &options, std::ostream &out) {
   JsonNumberText const numbers = options.numbers == NumberText::shortest ? JsonNumberText::shortestRoundTrip
                                                                          : JsonNumberText::fifteenDigits;
-  switch (options.fidelity) {
-    case Fidelity::mid:
-      return JsonFormatterMidFidelity::serialize(tree, out, options.indent, numbers);
-    case Fidelity::low:
-      return JsonFormatterLowFidelity::serialize(tree, out, options.indent, numbers);
-    case Fidelity::full:
-      break;
-  }
-  JsonFormatter::serialize(tree, out, options.indent, numbers);
+  if (options.fidelity == Fidelity::low) return JsonFormatterLowFidelity::serializeInBlocks(tree, out, options.indent, numbers);
+  JsonFormatter::serializeInBlocks(tree, out, options.indent, numbers);
 }
 
 }  // namespace
@@ -193,9 +189,13 @@ void serializeTree(PropertyNode const &tree, WriteOptions const &options, std::o
 PropertyNode readDocument(std::string const &file, ReadOptions const &options) {
   std::string const context =
       "cannot read " + describeSource(file) + " as " + fidelityName(options.fidelity) + "-fidelity JSON";
-  VxString const text = withContext(context, [&] { return documentText(file); });
-  PropertyNode tree = withContext(context, [&] { return parseTree(text, options); });
-  if (options.fidelity != Fidelity::low) warnOfReadingLosses(text.data(), text.length());
+  VxString text = withContext(context, [&] { return documentText(file); });
+  // Looked for before the text goes to the reader; warned of only once the document has read.
+  std::vector<std::string> const losses =
+      options.fidelity != Fidelity::low ? readingLosses(text.data(), text.length()) : std::vector<std::string>();
+  PropertyNode tree = withContext(context, [&] { return parseTree(std::move(text), options); });
+  for (std::string const &loss : losses)
+    warn(loss);
   return tree;
 }
 

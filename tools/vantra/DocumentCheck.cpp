@@ -288,16 +288,12 @@ bool walkQuickly(char const *text, std::size_t length, ReadingCheck &check) {
 
 // The quick walk takes most documents; the few it cannot (a byte order mark, integers beyond 64 bits)
 // go through the JSON library's parse.
-void warnOfReadingLosses(char const *text, std::size_t length) {
+std::vector<std::string> readingLosses(char const *text, std::size_t length) {
   ReadingCheck quick;
-  ReadingCheck const *done = &quick;
+  if (walkQuickly(text, length, quick)) return quick.findings();
   ReadingCheck slow;
-  if (!walkQuickly(text, length, quick)) {
-    nlohmann::json::sax_parse(text, text + length, &slow);
-    done = &slow;
-  }
-  for (std::string const &finding : done->findings())
-    warn(finding);
+  nlohmann::json::sax_parse(text, text + length, &slow);
+  return slow.findings();
 }
 
 void warnOfWritingLosses(PropertyNode const &tree) {

@@ -163,7 +163,7 @@ TEST(JsonParseRoutes, ManyNumbersOfEveryWidthAgree) {
 // The quick parse reads a text in place even with not one byte readable behind it: a token near the
 // end is parsed from a copy (the sanitizer builds catch a read past the block).
 TEST(JsonParseRoutes, TextsWithNoRoomBehindThem) {
-  for (std::string const text : std::vector<std::string>{"[1.5]", "12", "-0.25e-2", "\"s\\n\"", "[true,null]", "{\"a\":\"xyz\"}",
+  for (std::string const &text : std::vector<std::string>{"[1.5]", "12", "-0.25e-2", "\"s\\n\"", "[true,null]", "{\"a\":\"xyz\"}",
                                  "[\"" + std::string(300, 'x') + "\",123456789012345678]"}) {
     SCOPED_TRACE(text);
     std::unique_ptr<char[]> const exact(new char[text.size()]);
