@@ -8,6 +8,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -29,13 +30,8 @@ namespace dom = simdjson::dom;
 // thread that once read a large document must not hold on to hundreds of megabytes.
 constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
 
-// Numbers parsed on one thread before another is worth starting.
-constexpr std::size_t numbersPerThread = std::size_t(1) << 18;
-constexpr unsigned maxNumberThreads = 4;
-
-// Positions of a large text's structural characters given back while the walk goes on, so that they
-// and the tape that replaces them are not resident together: 2 MiB of them at a time.
-constexpr std::size_t releaseStep = hugePageSize / sizeof(std::uint32_t);
+// Threads that parse numbers beside the walk of a large text, at most.
+constexpr unsigned maxNumberHelpers = 3;
 
 // A block of T that grows to what a text needs; mapped, and advised for huge pages, when large.
 template <class T>
@@ -106,27 +102,64 @@ std::uint8_t *unescape(void const *parser, std::uint8_t const *from, std::uint8_
   return static_cast<dom::parser const *>(parser)->implementation->parse_string(from, to);
 }
 
-// The pending numbers, in as many slices of the tape as there are threads worth starting.
-bool parseNumbers(std::uint8_t const *text, std::uint64_t *tape, std::size_t length, std::size_t pending) {
-  unsigned const threads = static_cast<unsigned>(std::min<std::size_t>(
-      {pending / numbersPerThread + 1, std::max(1u, std::thread::hardware_concurrency()), maxNumberThreads}));
-  std::size_t const slice = length / threads + 1;
-  std::vector<char> parsed(threads, false);
-  std::vector<std::thread> helpers;
-  for (unsigned k = 1; k < threads; ++k) {
-    std::size_t const from = std::min(length, k * slice);
-    std::size_t const size = std::min(length - from, slice);
+// The pending numbers of a tape, parsed a slice at a time by helper threads while the walk goes on,
+// and by the walking thread too once the walk is done.
+class NumberParsers {
+ public:
+  NumberParsers(std::uint8_t const *text, std::uint64_t *tape, unsigned helpers) : m_text(text), m_tape(tape) {
     try {
-      helpers.emplace_back([&parsed, k, text, tape, from, size] { parsed[k] = parsePendingNumbers(text, tape + from, size); });
+      for (unsigned k = 0; k < helpers; ++k)
+        m_helpers.emplace_back([this] { parse(); });
     } catch (std::system_error const &) {
-      parsed[k] = parsePendingNumbers(text, tape + from, size);  // no thread to be had: on this one
+      // fewer helpers, or none: the walking thread parses what they would have
     }
   }
-  parsed[0] = parsePendingNumbers(text, tape, std::min(length, slice));
-  for (std::thread &helper : helpers)
-    helper.join();
-  return std::all_of(parsed.begin(), parsed.end(), [](char ok) { return ok; });
-}
+  NumberParsers(NumberParsers const &) = delete;
+  NumberParsers &operator=(NumberParsers const &) = delete;
+  ~NumberParsers() { finish(0); }
+
+  std::atomic<std::size_t> *walked() { return m_helpers.empty() ? nullptr : &m_walked; }
+  // The walk ended with `length` words of tape, or with none when it failed; true when every number
+  // of the tape parsed.
+  bool finish(std::size_t length) {
+    if (m_finished) return !m_failed.load();
+    m_finished = true;
+    m_walked.store(length, std::memory_order_release);
+    m_done.store(true, std::memory_order_release);
+    parse();
+    for (std::thread &helper : m_helpers)
+      helper.join();
+    return !m_failed.load();
+  }
+
+ private:
+  static constexpr std::size_t slice = std::size_t(1) << 14;
+
+  // Takes slices in turn, each once the walk has passed it, until the tape ends.
+  void parse() {
+    for (;;) {
+      std::size_t const from = m_next.fetch_add(slice);
+      std::size_t end;
+      for (;;) {
+        bool const done = m_done.load(std::memory_order_acquire);
+        end = m_walked.load(std::memory_order_acquire);
+        if (end >= from + slice || done) break;
+        std::this_thread::yield();
+      }
+      if (from >= end) return;
+      if (!parsePendingNumbers(m_text, m_tape + from, std::min(end, from + slice) - from)) m_failed.store(true);
+    }
+  }
+
+  std::uint8_t const *m_text;
+  std::uint64_t *m_tape;
+  std::atomic<std::size_t> m_walked{0};
+  std::atomic<std::size_t> m_next{0};
+  std::atomic<bool> m_done{false};
+  std::atomic<bool> m_failed{false};
+  bool m_finished = false;
+  std::vector<std::thread> m_helpers;
+};
 
 }  // namespace
 
@@ -137,23 +170,28 @@ bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonD
   auto const &structure = *buffers->parser->implementation;
   std::size_t const count = structure.n_structural_indexes;
 
-  QuickWalkInput const in{reinterpret_cast<std::uint8_t const *>(text.data()),
+  QuickWalkOutput out;
+  out.tape = buffers->tape.atLeast(quickTapeRoom(count));
+  out.strings = buffers->strings.atLeast(quickStringRoom(text.size(), count));
+  buffers->wide.clear();
+  out.wide = &buffers->wide;
+  auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
+  unsigned const helpers = large ? std::min(maxNumberHelpers, std::thread::hardware_concurrency() - 1) : 0;
+  NumberParsers numbers(bytes, out.tape, helpers);
+
+  QuickWalkInput const in{bytes,
                           text.size(),
                           capacity,
                           structure.structural_indexes.get(),
                           count,
                           &unescape,
                           buffers->parser.get(),
-                          large ? releaseStep : 0};
-  QuickWalkOutput out;
-  out.tape = buffers->tape.atLeast(quickTapeRoom(count));
-  out.strings = buffers->strings.atLeast(quickStringRoom(text.size(), count));
-  buffers->wide.clear();
-  out.wide = &buffers->wide;
-  if (!walkJsonStructure(in, out)) return false;
-  // The structural positions are done with; a large text's go before the numbers are parsed.
-  if (large) buffers->parser.reset();
-  if (out.pendingNumbers > 0 && !parseNumbers(in.text, out.tape, out.tapeLength, out.pendingNumbers)) return false;
+                          large,
+                          numbers.walked()};
+  bool const walked = walkJsonStructure(in, out);
+  // The structural positions are done with; a large text's go while the numbers are parsed.
+  if (walked && large) buffers->parser.reset();
+  if (!numbers.finish(walked ? out.tapeLength : 0) || !walked) return false;
 
   document.tape = out.tape;
   document.strings = out.strings;

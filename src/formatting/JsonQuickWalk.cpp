@@ -16,6 +16,9 @@ namespace {
 
 namespace numbers = simdjson::builtin::numberparsing;
 
+// Structural positions walked between reports: 256 KiB of them.
+constexpr std::size_t reportStep = std::size_t(1) << 16;
+
 // A number token this short cannot hold an integer beyond the tape's 48-bit payload, so its value
 // is known to take one word before it is parsed.
 constexpr std::size_t shortNumberSpan = 14;
@@ -38,6 +41,8 @@ bool endsScalar(std::uint8_t c) {
   }
 }
 
+bool startsNumber(std::uint8_t c) { return c == '-' || static_cast<unsigned>(c - '0') < 10; }
+
 // Digits then a point or an exponent: a double, whatever its length.
 bool looksFractional(std::uint8_t const *p) {
   p += *p == '-';
@@ -54,14 +59,15 @@ class Walk {
 
   bool run() {
     std::size_t const count = m_in.structuralCount;
-    std::size_t releaseAt = m_in.releaseStep ? m_in.releaseStep : std::numeric_limits<std::size_t>::max();
+    bool const reporting = m_in.releaseWalked || m_in.walked != nullptr;
+    std::size_t reportAt = reporting ? reportStep : std::numeric_limits<std::size_t>::max();
     std::size_t pos = 0;
     *m_tape++ = 0;  // the root's opening word, written last
   value:
     if (pos >= count) return false;
-    if (pos >= releaseAt) {
-      release(pos);
-      releaseAt += m_in.releaseStep;
+    if (pos >= reportAt) {
+      report(pos);
+      reportAt += reportStep;
     }
     switch (m_in.text[m_in.structurals[pos]]) {
       case '[':
@@ -104,7 +110,16 @@ class Walk {
       case '8':
       case '9':
         if (!number(pos)) return false;
-        break;
+        ++pos;
+        // A run of numbers in an array, the bulk of a measurement document, past the general dispatch.
+        if (m_depth > 0 && inArray()) {
+          while (pos + 1 < count && pos + 1 < reportAt && m_in.text[m_in.structurals[pos]] == ',' &&
+                 startsNumber(m_in.text[m_in.structurals[pos + 1]])) {
+            if (!number(++pos)) return false;
+            ++pos;
+          }
+        }
+        goto after;
       default:
         return false;
     }
@@ -165,7 +180,8 @@ class Walk {
     std::size_t const opening = m_open[--m_depth];
     bool const array = JsonTape::kindOf(m_out.tape[opening]) == JsonTape::array;
     *m_tape++ = JsonTape::word(array ? JsonTape::arrayEnd : JsonTape::objectEnd, opening);
-    m_out.tape[opening] |= static_cast<std::uint64_t>(m_tape - m_out.tape);
+    // Number parsers may be reading the opening word meanwhile.
+    __atomic_fetch_or(&m_out.tape[opening], static_cast<std::uint64_t>(m_tape - m_out.tape), __ATOMIC_RELAXED);
   }
   bool inArray() const { return JsonTape::kindOf(m_out.tape[m_open[m_depth - 1]]) == JsonTape::array; }
 
@@ -198,7 +214,6 @@ class Walk {
     bool const inPlace = m_depth > 0 && end + quickReadAhead <= m_in.capacity;
     if (inPlace && (end - start <= shortNumberSpan || looksFractional(m_in.text + start))) {
       *m_tape++ = JsonTape::word(JsonTape::pendingNumber, start);
-      ++m_out.pendingNumbers;
       return true;
     }
     JsonTape::NumberWriter writer{m_tape, m_out.wide};
@@ -207,18 +222,24 @@ class Walk {
     return true;
   }
 
-  // Gives back the whole pages of positions before `pos`: the walk never looks back.
-  void release(std::size_t pos) {
-    constexpr std::uintptr_t page = 4096;
-    auto const from = (reinterpret_cast<std::uintptr_t>(m_in.structurals) + page - 1) & ~(page - 1);
-    auto const to = reinterpret_cast<std::uintptr_t>(m_in.structurals + pos - 1) & ~(page - 1);
-    if (to > from) madvise(reinterpret_cast<void *>(from), to - from, MADV_DONTNEED);
+  // Gives back the whole pages of positions before `pos`, which the walk never looks back at, and
+  // lets the number parsers at the tape written so far.
+  void report(std::size_t pos) {
+    if (m_in.releaseWalked) {
+      constexpr std::uintptr_t page = 4096;
+      auto const from = (reinterpret_cast<std::uintptr_t>(m_in.structurals) + page - 1) & ~(page - 1);
+      auto const to = reinterpret_cast<std::uintptr_t>(m_in.structurals + pos - 1) & ~(page - 1);
+      if (to > from) madvise(reinterpret_cast<void *>(from), to - from, MADV_DONTNEED);
+    }
+    if (m_in.walked != nullptr)
+      m_in.walked->store(static_cast<std::size_t>(m_tape - m_out.tape), std::memory_order_release);
   }
 
   void finish() {
     *m_tape++ = JsonTape::word(JsonTape::root, 0);
     m_out.tapeLength = static_cast<std::size_t>(m_tape - m_out.tape);
-    m_out.tape[0] = JsonTape::word(JsonTape::root, m_out.tapeLength);
+    // Number parsers may be reading the root's word already.
+    __atomic_store_n(&m_out.tape[0], JsonTape::word(JsonTape::root, m_out.tapeLength), __ATOMIC_RELAXED);
   }
 
   QuickWalkInput const &m_in;
@@ -256,9 +277,10 @@ bool walkJsonStructure(QuickWalkInput const &in, QuickWalkOutput &out) { return 
 bool parsePendingNumbers(std::uint8_t const *text, std::uint64_t *tape, std::size_t length) {
   constexpr std::uint64_t pending = JsonTape::word(JsonTape::pendingNumber, 0) >> JsonTape::kindShift;
   for (std::size_t at = 0; at < length; ++at) {
-    if ((tape[at] >> JsonTape::kindShift) != pending) continue;
+    std::uint64_t const word = __atomic_load_n(&tape[at], __ATOMIC_RELAXED);
+    if ((word >> JsonTape::kindShift) != pending) continue;
     OneWord number{tape + at};
-    if (numbers::parse_number(text + (tape[at] & JsonTape::payloadMask), number) != simdjson::SUCCESS ||
+    if (numbers::parse_number(text + (word & JsonTape::payloadMask), number) != simdjson::SUCCESS ||
         !number.fits) {
       return false;
     }

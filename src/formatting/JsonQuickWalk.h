@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -23,8 +24,11 @@ struct QuickWalkInput {
   // Unescapes the string after an opening quote into `to`, returning its end, or nullptr.
   std::uint8_t *(*unescape)(void const *parser, std::uint8_t const *from, std::uint8_t *to);
   void const *parser;
-  // Positions already walked may be given back, in steps of this many, when not 0.
-  std::size_t releaseStep;
+  // Positions already walked may be given back as the walk goes on.
+  bool releaseWalked;
+  // When not null, the length of tape whose numbers may be parsed, raised as the walk goes on. A
+  // container's word may still change behind it, atomically; no other word does.
+  std::atomic<std::size_t> *walked;
 };
 
 struct QuickWalkOutput {
@@ -34,7 +38,6 @@ struct QuickWalkOutput {
   std::vector<std::uint64_t> *wide;  // numbers beyond a word's payload
   std::size_t tapeLength = 0;
   std::size_t stringsLength = 0;
-  std::size_t pendingNumbers = 0;
 };
 
 inline std::size_t quickTapeRoom(std::size_t structuralCount) { return 2 * structuralCount + 4; }
@@ -45,7 +48,8 @@ inline std::size_t quickStringRoom(std::size_t length, std::size_t structuralCou
 // False for a text the grammar refuses, or one the quick parse leaves to the library's.
 bool walkJsonStructure(QuickWalkInput const &in, QuickWalkOutput &out);
 
-// Parses the pending numbers of tape[0, length) in place; false when one is not a number.
+// Parses the pending numbers of tape[0, length) in place; false when one is not a number. Reads each
+// word atomically, since the walk may still be completing a container's word.
 bool parsePendingNumbers(std::uint8_t const *text, std::uint64_t *tape, std::size_t length);
 
 }  // namespace Tarvex::VantraCore::Internal

@@ -245,3 +245,22 @@ TEST(Concurrency, FrozenTreeReadFromManyThreads) {
     }
   });
 }
+
+// Large documents read on several threads at once, each parse with number parsers of its own beside
+// its walk: every value lands where it belongs.
+TEST(Concurrency, LargeDocumentsParsedAtOnce) {
+  std::vector<double> samples(300000);
+  for (std::size_t i = 0; i < samples.size(); ++i)
+    samples[i] = static_cast<double>(i) / 7.0 - 1000.0;
+  PropertyNode root;
+  root.set("samples", VxVariant(samples));
+  VxString const text = JsonFormatter::serialize(root, -1, JsonNumberText::shortestRoundTrip);
+  ASSERT_GT(text.length(), std::uint64_t(1) << 20);
+  onThreads([&](int t) {
+    if (t % 2 == 1) return;  // four readers, each with its own number parsers
+    for (int round = 0; round < 3; ++round) {
+      PropertyNode const read = JsonFormatter::deserializePropertyNode(text);
+      EXPECT_TRUE(read.map().at(InternedString("samples")).value() == VxVariant(samples));
+    }
+  });
+}
