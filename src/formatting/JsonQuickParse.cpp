@@ -18,8 +18,9 @@
 #include <vector>
 
 // The quick parse: a SIMD pass finds the text's structural characters, a walk over them writes the
-// tape, and the numbers are parsed last, on several threads for a large text. It only says yes or
-// no; a refused text goes to the library's parse, which words the refusal.
+// tape, and the numbers it leaves pending are parsed beside it by helper threads for a large text, or
+// after it for a small one. It only says yes or no; a refused text goes to the library's parse, which
+// words the refusal.
 namespace Tarvex::VantraCore::Internal {
 namespace {
 
@@ -176,7 +177,8 @@ bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonD
   buffers->wide.clear();
   out.wide = &buffers->wide;
   auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
-  unsigned const helpers = large ? std::min(maxNumberHelpers, std::thread::hardware_concurrency() - 1) : 0;
+  unsigned const cores = std::max(1u, std::thread::hardware_concurrency());
+  unsigned const helpers = large ? std::min(maxNumberHelpers, cores - 1) : 0;
   NumberParsers numbers(bytes, out.tape, helpers);
 
   QuickWalkInput const in{bytes,
