@@ -97,7 +97,10 @@ VxVariant variantData(JsonCursor const &cursor, std::size_t data,
                       std::function<VariantShape()> const &shapeOf) {
   if (cursor.typeOf(data) != JsonType::array) return VxVariant(element<T>(cursor, data));
   VariantShape const shape = shapeOf();
-  std::uint64_t const items = cursor.itemCount(data);
+  // A row of doubles is its tape words: counted, checked and copied in a sweep each.
+  std::size_t const first = data + 1, end = cursor.end(data);
+  bool const doubles = std::is_same_v<T, double> && cursor.doublesOnly(first, end);
+  std::uint64_t const items = doubles ? end - first : cursor.itemCount(data);
   // A shape too large to count holds any number of items.
   std::uint64_t capacity = 0;
   if (!checkedElementCount(shape.dimensions, capacity)) capacity = std::numeric_limits<std::uint64_t>::max();
@@ -107,7 +110,13 @@ VxVariant variantData(JsonCursor const &cursor, std::size_t data,
   cursor.chargeFill(shape.dimensions, capacity, items);
   VxVariant result = VxVariant::withShape<T>(shape.dimensions, shape.ordering);
   T *out = items == 0 ? nullptr : result.mutableStoredData<T>();
-  for (std::size_t item = data + 1; item < cursor.end(data); item = cursor.next(item))
+  if constexpr (std::is_same_v<T, double>) {
+    if (doubles) {
+      if (items > 0) cursor.copyDoubles(first, end, out);
+      return result;
+    }
+  }
+  for (std::size_t item = first; item < end; item = cursor.next(item))
     *out++ = element<T>(cursor, item);
   return result;
 }

@@ -243,6 +243,17 @@ class JsonCursor {
     bool const container = JsonTape::boxed(word) && (kind == JsonTape::array || kind == JsonTape::object);
     return container ? static_cast<std::size_t>(word & JsonTape::payloadMask) : at + 1;
   }
+  // Whether every value in [from, to) is a double, all in a row: a check without a branch per value.
+  bool doublesOnly(std::size_t from, std::size_t to) const {
+    bool all = true;
+    for (std::size_t at = from; at < to; ++at)
+      all &= !JsonTape::boxed(m_tape[at]);
+    return all;
+  }
+  // The doubles of such a row, copied as they lie.
+  void copyDoubles(std::size_t from, std::size_t to, double *out) const {
+    std::memcpy(out, m_tape + from, (to - from) * sizeof(double));
+  }
   // The closing word of the container at `at`, past its last member.
   std::size_t end(std::size_t at) const { return static_cast<std::size_t>(m_tape[at] & JsonTape::payloadMask) - 1; }
   // The items of an array or the members of an object.

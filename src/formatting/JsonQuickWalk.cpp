@@ -1,4 +1,5 @@
 #include <formatting/JsonDocument.h>
+#include <formatting/JsonQuickNumber.h>
 #include <formatting/JsonQuickWalk.h>
 
 #include <simdjson.h>
@@ -295,8 +296,10 @@ bool parsePendingNumbers(std::uint8_t const *text, std::uint64_t *tape, std::siz
   for (std::size_t at = 0; at < length; ++at) {
     std::uint64_t const word = __atomic_load_n(&tape[at], __ATOMIC_RELAXED);
     if ((word >> JsonTape::kindShift) != pending) continue;
+    std::uint8_t const *const start = text + (word & JsonTape::payloadMask);
+    if (quickNumberWord(start, tape[at])) continue;
     OneWord number{tape + at};
-    if (numbers::parse_number(text + (word & JsonTape::payloadMask), number) != simdjson::SUCCESS ||
+    if (numbers::parse_number(start, number) != simdjson::SUCCESS ||
         !number.fits) {
       return false;
     }

@@ -89,12 +89,19 @@ VxVariant filled(JsonCursor const &cursor, std::size_t at, std::vector<std::uint
 }  // namespace
 
 bool readArrayVariant(JsonCursor const &cursor, std::size_t at, VxVariant &result) {
+  // A row of doubles, the bulk of a measurement, is its tape words: checked and copied in one sweep each.
+  std::size_t const first = at + 1, end = cursor.end(at);
+  if (first < end && cursor.typeOf(first) == JsonType::floating && cursor.doublesOnly(first, end)) {
+    result = VxVariant::withShape<double>({end - first}, rowMajor);
+    cursor.copyDoubles(first, end, result.mutableStoredData<double>());
+    return true;
+  }
   std::vector<std::uint64_t> dims;
   if (!firstItemShape(cursor, at, dims)) return false;
-  std::size_t first = at;
-  while (cursor.typeOf(first) == JsonType::array)
-    ++first;
-  Leaves leaves{leafType(cursor.typeOf(first))};
+  std::size_t leaf = at;
+  while (cursor.typeOf(leaf) == JsonType::array)
+    ++leaf;
+  Leaves leaves{leafType(cursor.typeOf(leaf))};
   if (leaves.type != JsonType::floating && leaves.type != JsonType::boolean && leaves.type != JsonType::string)
     return false;
   if (!conforms(cursor, at, dims, 0, leaves)) return false;

@@ -178,6 +178,9 @@ TEST(PlainArraysAsVariants, KindShapeAndOrderFollowTheText) {
   EXPECT_EQ(asVariants("[[1,2,3],[4,5,6.5]]"), full(VxVariant(std::vector<double>{1, 2, 3, 4, 5, 6.5}, {2, 3})));
   EXPECT_EQ(asVariants("[1,9223372036854775808]"),
             full(VxVariant(std::vector<double>{1, 9223372036854775808.0})));
+  // A row of fractions only, and one that ends in an integer.
+  EXPECT_EQ(asVariants("[0.5,-2.25,1e300]"), full(VxVariant(std::vector<double>{0.5, -2.25, 1e300})));
+  EXPECT_EQ(asVariants("[0.5,-2.25,3]"), full(VxVariant(std::vector<double>{0.5, -2.25, 3})));
   EXPECT_EQ(asVariants("[[[true],[false]],[[false],[true]]]"),
             full(VxVariant(std::vector<bool>{true, false, false, true}, {2, 2, 1})));
   EXPECT_EQ(asVariants(R"([["a","b"],["c","d"],["e","f"]])"),

@@ -49,6 +49,9 @@ TEST(JsonParseRoutes, AgreeOnEveryTextTheGrammarAllows) {
       R"({"b":[true,false,null],"a":{"":""},"a":"\u00e9\ud83d\ude00\"\\\/\b\f\n\r\t","c":{}})",
       "\"caf\xC3\xA9 \xF0\x9F\x98\x80\"",
       "[[[[[]]]],{}]",
+      // Fractions of the shapes read eight digits at a time, and just past them.
+      "[0.5, -0.0, 1234567.891, 12345678.9, 0.1234567890123456, 0.12345678901234567, 9.999999999999999,"
+      "1234567.123456789012, 999999.9999999999999, 0.30000000000000004, -7.25e-3, 5.0]",
   };
   for (std::string const &text : texts) {
     SCOPED_TRACE(text);
@@ -66,6 +69,7 @@ TEST(JsonParseRoutes, RefuseEveryTextTheGrammarRefuses) {
       "0x10",       "NaN",  "Infinity", "[1,]",        "{\"a\":1,}",  "'a'",       "[1 2]",    "{\"a\" 1}",
       "{1:2}",      "[\f]", "\"\\x\"",  "\"\\ud800\"", "\"\\udc00\"", "\"a\x01\"", "\"\xff\"", "\"\xC0\xAF\"",
       "\"unclosed", "tru",  "nul",      "[1] x",       "{} {}",       "1e400",     "-1e400",   "[\"a\"\x00]",
+      "[01.5]",     "[1.]", "[-.5]",    "[1.5x]",      "[0.5.5]",     "[1.5-]",
   };
   for (std::string const &text : texts) {
     SCOPED_TRACE(text);
