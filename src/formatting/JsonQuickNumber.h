@@ -12,6 +12,25 @@
 // is left to the general parser.
 namespace Tarvex::VantraCore::Internal {
 
+// White space or punctuation: what may follow a number or literal.
+inline bool endsScalar(std::uint8_t c) {
+  switch (c) {
+    case ' ':
+    case '\t':
+    case '\n':
+    case '\r':
+    case ',':
+    case ':':
+    case ']':
+    case '}':
+    case '[':
+    case '{':
+      return true;
+    default:
+      return false;
+  }
+}
+
 namespace quickNumber {
 
 inline constexpr std::uint64_t zeros = 0x3030303030303030;
@@ -32,24 +51,6 @@ inline std::uint64_t valueOf(std::uint64_t digits, unsigned count) {
   return (((digits & 0x000000FF000000FF) * (100 + (1000000ULL << 32))) +
           (((digits >> 16) & 0x000000FF000000FF) * (1 + (10000ULL << 32)))) >>
          32;
-}
-
-inline bool endsNumber(std::uint8_t c) {
-  switch (c) {
-    case ' ':
-    case '\t':
-    case '\n':
-    case '\r':
-    case ',':
-    case ':':
-    case ']':
-    case '}':
-    case '[':
-    case '{':
-      return true;
-    default:
-      return false;
-  }
 }
 
 inline constexpr double powersOfTen[] = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
@@ -79,7 +80,7 @@ inline bool quickNumberWord(std::uint8_t const *p, std::uint64_t &word) {
     fraction += more;
   }
   // Past 19 digits the mantissa may have wrapped; past 2^53 it may not be exact as a double.
-  if (!endsNumber(p[fraction]) || whole + fraction > 19 || mantissa > (std::uint64_t(1) << 53)) return false;
+  if (!endsScalar(p[fraction]) || whole + fraction > 19 || mantissa > (std::uint64_t(1) << 53)) return false;
   double const value = static_cast<double>(mantissa) / powersOfTen[fraction];
   word = JsonTape::doubleWord(negative ? -value : value);
   return true;

@@ -25,24 +25,6 @@ constexpr std::size_t reportStep = std::size_t(1) << 16;
 // is known to take one word before it is parsed.
 constexpr std::size_t shortNumberSpan = 14;
 
-bool endsScalar(std::uint8_t c) {
-  switch (c) {
-    case ' ':
-    case '\t':
-    case '\n':
-    case '\r':
-    case ',':
-    case ':':
-    case ']':
-    case '}':
-    case '[':
-    case '{':
-      return true;
-    default:
-      return false;
-  }
-}
-
 bool startsNumber(std::uint8_t c) { return c == '-' || static_cast<unsigned>(c - '0') < 10; }
 
 // Digits then a point or an exponent: a double, whatever its length.
