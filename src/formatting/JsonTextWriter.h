@@ -54,9 +54,10 @@ class TextBuffer {
   void flush();
 
  private:
-  // A large text is mapped on its own and grows by remapping, which moves pages instead of copying
-  // them: a text of hundreds of megabytes is never resident twice over while it grows.
-  static constexpr std::size_t mappedFrom = std::size_t(4) << 20;
+  // A text of 64 MiB and more is mapped on its own and grows by remapping, which moves pages instead
+  // of copying them: a text of hundreds of megabytes is never resident twice over while it grows.
+  // Below that, heap blocks that the allocator hands out again fault in no fresh pages.
+  static constexpr std::size_t mappedFrom = std::size_t(64) << 20;
   void grow(std::size_t bytes);
 
   char *m_text = nullptr;
