@@ -12,7 +12,7 @@ namespace vantra {
 void writeOutput(std::string_view text);
 
 // Hands `write` a stream onto standard output whose writes fail as writeOutput's do: the library's
-// writers then pass their whole text to the output without a copy of it in between.
+// writers then pass their text to the output, a block at a time, without a copy of it in between.
 void writeOutputThrough(std::function<void(std::ostream &)> const &write);
 
 // Writes `text` as the whole of FILE ("-" for standard output), failing as writeOutput does.
