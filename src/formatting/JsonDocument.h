@@ -224,8 +224,6 @@ class JsonCursor {
       return static_cast<T>(value);
     }
     switch (JsonTape::kindOf(word)) {
-      case JsonTape::integer:
-        return static_cast<T>(JsonTape::smallInteger(word));
       case JsonTape::wideUnsigned:
         return static_cast<T>(wideBits(at));
       case JsonTape::wideFloating:

@@ -55,21 +55,17 @@ class Walk {
     }
     switch (m_in.text[m_in.structurals[pos]]) {
       case '[':
-        if (!open(JsonTape::array)) return false;
-        if (++pos < count && m_in.text[m_in.structurals[pos]] == ']') {
+      case '{': {
+        bool const array = m_in.text[m_in.structurals[pos]] == '[';
+        if (!open(array ? JsonTape::array : JsonTape::object)) return false;
+        if (++pos < count && m_in.text[m_in.structurals[pos]] == (array ? ']' : '}')) {
           ++pos;
           close();
           goto after;
         }
-        goto value;
-      case '{':
-        if (!open(JsonTape::object)) return false;
-        if (++pos < count && m_in.text[m_in.structurals[pos]] == '}') {
-          ++pos;
-          close();
-          goto after;
-        }
+        if (array) goto value;
         goto key;
+      }
       case '"':
         if (!string(pos)) return false;
         break;
