@@ -1,6 +1,8 @@
 #include <formatting/JsonDocument.h>
+#include <formatting/JsonQuickWalk.h>
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include <cstring>
 #include <memory>
@@ -60,6 +62,25 @@ TEST(JsonParseRoutes, AgreeOnEveryTextTheGrammarAllows) {
     ASSERT_TRUE(libraryTakes(text, library));
     EXPECT_TRUE(sameJsonDocument(quick, library));
   }
+}
+
+// Numbers near the shape read without the general parser, and just off it: any count of digits on
+// either side of the point, leading zeros, an exponent, white space behind, and numbers so close to
+// the start that the digits cannot be loaded from before them.
+RC_GTEST_PROP(JsonParseRoutes, AgreeOnNumbersOfEveryShape, ()) {
+  auto const digits = [](int most) {
+    return *rc::gen::container<std::string>(*rc::gen::inRange(0, most + 1), rc::gen::inRange('0', char('9' + 1)));
+  };
+  std::string number = *rc::gen::element<std::string>("", "-") + digits(9);
+  if (*rc::gen::arbitrary<bool>()) number += "." + digits(20);
+  if (*rc::gen::inRange(0, 4) == 0) number += *rc::gen::element<std::string>("e", "E-", "e+") + digits(3);
+  std::string const text = "[" + std::string(*rc::gen::inRange(0, 20), ' ') + number +
+                           *rc::gen::element<std::string>("", " ", "\n") + "," + number + "]" +
+                           std::string(quickReadAhead, ' ');  // room to parse the numbers in place
+  JsonDocument quick, library;
+  bool const quickly = quickTakes(text, quick);
+  RC_ASSERT(quickly == libraryTakes(text, library));
+  if (quickly) RC_ASSERT(sameJsonDocument(quick, library));
 }
 
 // Texts that the grammar refuses: both parses refuse them, and the library words the message.
