@@ -1,5 +1,6 @@
 #include "Documents.h"
 
+#include "FileText.h"
 #include "FromPython.h"
 #include "LibraryOptions.h"
 #include "ToPython.h"
@@ -60,35 +61,6 @@ void raiseFileError(int error, py::handle path) {
   errno = error;
   PyErr_SetFromErrnoWithFilenameObject(PyExc_OSError, path.ptr());
   throw py::error_already_set();
-}
-
-// A file's bytes, read where the reader then parses them; the GIL is released meanwhile. A plain heap
-// block, which the allocator hands out again on the next load, faults in no fresh pages.
-struct FileText {
-  std::unique_ptr<char[]> bytes;
-  std::size_t size = 0;
-  VxStringView view() const { return VxStringView(bytes.get(), size); }
-};
-
-FileText readFile(py::handle path) {
-  std::string const fileName = fileNameOf(path);
-  int error = 0;
-  FileText text;
-  {
-    py::gil_scoped_release released;
-    std::unique_ptr<FILE, int (*)(FILE *)> file(std::fopen(fileName.c_str(), "rb"), &std::fclose);
-    long size = -1;
-    if (file && std::fseek(file.get(), 0, SEEK_END) == 0) size = std::ftell(file.get());
-    if (size >= 0 && std::fseek(file.get(), 0, SEEK_SET) == 0) {
-      text.size = static_cast<std::size_t>(size);
-      text.bytes.reset(new char[text.size + 1]);
-      if (std::fread(text.bytes.get(), 1, text.size, file.get()) != text.size) error = errno != 0 ? errno : EIO;
-    } else {
-      error = errno;
-    }
-  }
-  raiseFileError(error, path);
-  return text;
 }
 
 void writeFile(py::handle path, VxString const &text) {
@@ -154,7 +126,16 @@ py::object loads(py::object const &source, std::string const &fidelity, std::str
 
 py::object load(py::object const &source, std::string const &fidelity, std::string const &arrays,
                 py::object const &maxElements) {
-  if (isPath(source)) return parse(readFile(source).view(), fidelity, arrays, maxElements);
+  if (isPath(source)) {
+    std::string const fileName = fileNameOf(source);
+    std::unique_ptr<FileText> text;
+    {
+      py::gil_scoped_release released;
+      text = std::make_unique<FileText>(fileName);
+    }
+    raiseFileError(text->error(), source);
+    return parse(text->view(), fidelity, arrays, maxElements);
+  }
   if (!py::hasattr(source, "read")) throw py::type_error("load takes a path or a binary file");
   py::object const content = source.attr("read")();
   if (py::isinstance<py::str>(content)) throw py::type_error("load takes a binary file: open it with \"rb\"");

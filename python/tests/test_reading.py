@@ -1,4 +1,5 @@
 import io
+import os
 import pathlib
 
 import numpy as np
@@ -119,3 +120,13 @@ def test_sources(tmp_path):
         vantracore.load(file)
     with pytest.raises(FileNotFoundError):
         vantracore.load(tmp_path / "missing.json")
+    with pytest.raises(IsADirectoryError):
+        vantracore.load(tmp_path)
+    # A path that states no size is read to its end.
+    reading, writing = os.pipe()
+    os.write(writing, text.encode())
+    os.close(writing)
+    try:
+        assert vantracore.load(f"/dev/fd/{reading}").tolist() == [7]
+    finally:
+        os.close(reading)
