@@ -11,9 +11,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <string_view>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -34,6 +36,13 @@ constexpr std::size_t reusedCapacity = std::size_t(1) << 20;
 // Threads that parse numbers beside the walk of a large text, at most.
 constexpr unsigned maxNumberHelpers = 3;
 
+// A text this large is searched for its structural characters a slice at a time on a helper thread,
+// the walk following behind; the helper then parses numbers.
+constexpr std::size_t followedFrom = std::size_t(4) << 20;
+constexpr std::size_t searchSlice = std::size_t(1) << 20;
+// Positions a search may write past those it found.
+constexpr std::size_t searchSlack = 128;
+
 // A block of T that grows to what a text needs; mapped, and advised for huge pages, when large.
 template <class T>
 class Room {
@@ -43,6 +52,11 @@ class Room {
   Room &operator=(Room const &) = delete;
   ~Room() { releaseBulk(m_memory); }
 
+  void release() {
+    releaseBulk(m_memory);
+    m_memory = nullptr;
+    m_count = 0;
+  }
   T *atLeast(std::size_t count) {
     if (m_count < count) {
       releaseBulk(m_memory);
@@ -61,6 +75,7 @@ class Room {
 
 struct ParseBuffers {
   std::unique_ptr<dom::parser> parser = std::make_unique<dom::parser>();
+  Room<std::uint32_t> positions;  // of a followed text
   Room<std::uint64_t> tape;
   Room<std::uint8_t> strings;
   std::vector<std::uint64_t> wide;
@@ -86,17 +101,62 @@ void adviseHugePages(void const *start, std::size_t bytes) {
   if (last > first) madvise(reinterpret_cast<void *>(first), last - first, MADV_HUGEPAGE);
 }
 
-// Finds the structural characters; false for a text that is not UTF-8, holds an unclosed string or a
-// control character in one, or is too large for the parser.
-bool findStructurals(dom::parser &parser, std::string_view text, bool large) {
-  if (text.empty()) return false;
-  if ((!parser.implementation || parser.capacity() < text.size()) &&
-      parser.allocate(text.size(), jsonReaderMaxDepth) != simdjson::SUCCESS) {
+// A parser whose search takes a text of `size` bytes; false when there is none that large.
+bool readyFor(dom::parser &parser, std::size_t size, bool large) {
+  if ((!parser.implementation || parser.capacity() < size) &&
+      parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) {
     return false;
   }
-  if (large) adviseHugePages(parser.implementation->structural_indexes.get(), text.size() * sizeof(std::uint32_t));
-  auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
-  return parser.implementation->stage1(bytes, text.size(), simdjson::stage1_mode::regular) == simdjson::SUCCESS;
+  if (large) adviseHugePages(parser.implementation->structural_indexes.get(), size * sizeof(std::uint32_t));
+  return true;
+}
+
+// Finds the structural characters; false for a text that is not UTF-8, holds an unclosed string or a
+// control character in one.
+bool search(dom::parser &parser, std::uint8_t const *bytes, std::size_t size) {
+  return parser.implementation->stage1(bytes, size, simdjson::stage1_mode::regular) == simdjson::SUCCESS;
+}
+
+// Finds the structural positions of a text into `all` a slice at a time, publishing each slice's.
+// A slice ends just after a comma, which leaves the search no state to carry over, unless the comma
+// lies in a string: then the slice's search ends inside one and says so, and the rest of the text is
+// searched as one slice. The parser's search writes where its position list points, so it is pointed
+// into `all` for each slice; what a search writes past its own positions, the next one overwrites.
+void searchInSlices(dom::parser &parser, std::uint8_t const *bytes, std::size_t size, std::uint32_t *all,
+                    StructuralProgress &progress) {
+  auto &searcher = *parser.implementation;
+  std::uint32_t *const own = searcher.structural_indexes.release();
+  std::size_t from = 0, found = 0;
+  bool sliced = true;
+  auto state = StructuralProgress::complete;
+  while (from < size) {
+    std::size_t end = size;
+    if (sliced && size - from > searchSlice) {
+      void const *const comma = std::memchr(bytes + from + searchSlice, ',', size - from - searchSlice);
+      if (comma != nullptr) end = static_cast<std::size_t>(static_cast<std::uint8_t const *>(comma) - bytes) + 1;
+    }
+    searcher.structural_indexes.reset(all + found);
+    simdjson::error_code const result = searcher.stage1(bytes + from, end - from, simdjson::stage1_mode::regular);
+    (void)searcher.structural_indexes.release();
+    if (result == simdjson::UNCLOSED_STRING && end < size) {
+      sliced = false;
+      continue;
+    }
+    if (result != simdjson::SUCCESS) {
+      state = StructuralProgress::refused;
+      break;
+    }
+    std::uint32_t *const slice = all + found;
+    std::size_t const count = searcher.n_structural_indexes;
+    auto const offset = static_cast<std::uint32_t>(from);
+    for (std::size_t k = 0; k < count; ++k)
+      slice[k] += offset;
+    found += count;
+    progress.published.store(found, std::memory_order_release);
+    from = end;
+  }
+  searcher.structural_indexes.reset(own);
+  progress.state.store(state, std::memory_order_release);
 }
 
 std::uint8_t *unescape(void const *parser, std::uint8_t const *from, std::uint8_t *to) {
@@ -107,12 +167,18 @@ std::uint8_t *unescape(void const *parser, std::uint8_t const *from, std::uint8_
 // and by the walking thread too once the walk is done.
 class NumberParsers {
  public:
-  NumberParsers(std::uint8_t const *text, std::uint64_t *tape, unsigned helpers) : m_text(text), m_tape(tape) {
+  // The first helper runs `first` before it parses numbers.
+  NumberParsers(std::uint8_t const *text, std::uint64_t *tape, unsigned helpers, std::function<void()> const &first)
+      : m_text(text), m_tape(tape) {
     try {
-      for (unsigned k = 0; k < helpers; ++k)
-        m_helpers.emplace_back([this] { parse(); });
-    } catch (std::system_error const &) {
-      // fewer helpers, or none: the walking thread parses what they would have
+      for (unsigned k = 0; k < helpers; ++k) {
+        m_helpers.emplace_back([this, task = k == 0 ? first : std::function<void()>()] {
+          if (task) task();
+          parse();
+        });
+      }
+    } catch (std::exception const &) {
+      // No thread or no memory for one: fewer helpers, or none, and the walking thread does their work.
     }
   }
   NumberParsers(NumberParsers const &) = delete;
@@ -120,6 +186,7 @@ class NumberParsers {
   ~NumberParsers() { finish(0); }
 
   std::atomic<std::size_t> *walked() { return m_helpers.empty() ? nullptr : &m_walked; }
+  bool started() const { return !m_helpers.empty(); }
   // The walk ended with `length` words of tape, or with none when it failed; true when every number
   // of the tape parsed.
   bool finish(std::size_t length) {
@@ -165,34 +232,48 @@ class NumberParsers {
 }  // namespace
 
 bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonDocument &document) {
+  if (text.empty()) return false;
   std::shared_ptr<ParseBuffers> const buffers = buffersFor(text.size());
   bool const large = text.size() > reusedCapacity;
-  if (!findStructurals(*buffers->parser, text, large)) return false;
-  auto const &structure = *buffers->parser->implementation;
-  std::size_t const count = structure.n_structural_indexes;
+  dom::parser &parser = *buffers->parser;
+  if (!readyFor(parser, text.size(), large)) return false;
+  auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
+  unsigned const cores = std::max(1u, std::thread::hardware_concurrency());
+  unsigned const helpers = large ? std::min(maxNumberHelpers, cores - 1) : 0;
+  bool const followed = helpers > 0 && text.size() >= followedFrom;
 
+  // A followed text's rooms are sized for as many positions as it has bytes, the most it can have;
+  // only the pages written are ever backed.
+  std::uint32_t *positions = nullptr;
+  std::size_t count = text.size();
+  if (followed) {
+    positions = buffers->positions.atLeast(text.size() + searchSlack);
+    adviseHugePages(positions, text.size() * sizeof(std::uint32_t));
+  } else {
+    if (!search(parser, bytes, text.size())) return false;
+    positions = parser.implementation->structural_indexes.get();
+    count = parser.implementation->n_structural_indexes;
+  }
   QuickWalkOutput out;
   out.tape = buffers->tape.atLeast(quickTapeRoom(count));
   out.strings = buffers->strings.atLeast(quickStringRoom(text.size(), count));
   buffers->wide.clear();
   out.wide = &buffers->wide;
-  auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
-  unsigned const cores = std::max(1u, std::thread::hardware_concurrency());
-  unsigned const helpers = large ? std::min(maxNumberHelpers, cores - 1) : 0;
-  NumberParsers numbers(bytes, out.tape, helpers);
 
-  QuickWalkInput const in{bytes,
-                          text.size(),
-                          capacity,
-                          structure.structural_indexes.get(),
-                          count,
-                          &unescape,
-                          buffers->parser.get(),
-                          large,
-                          numbers.walked()};
+  StructuralProgress progress;
+  auto const searchAll = [&] { searchInSlices(parser, bytes, text.size(), positions, progress); };
+  NumberParsers numbers(bytes, out.tape, helpers, followed ? std::function<void()>(searchAll) : nullptr);
+  if (followed && !numbers.started()) searchAll();
+
+  QuickWalkInput const in{bytes,     text.size(), capacity, positions,           count,
+                          &unescape, &parser,     large,    numbers.walked(), followed ? &progress : nullptr};
   bool const walked = walkJsonStructure(in, out);
-  // The structural positions are done with; a large text's go while the numbers are parsed.
-  if (walked && large) buffers->parser.reset();
+  // The structural positions are done with; a large text's go while the numbers are parsed. The
+  // search has ended when the walk does, for the walk waits for its last position.
+  if (walked && large) {
+    buffers->parser.reset();
+    buffers->positions.release();
+  }
   if (!numbers.finish(walked ? out.tapeLength : 0) || !walked) return false;
 
   document.tape = out.tape;

@@ -12,6 +12,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <thread>
 
 namespace Tarvex::VantraCore::Internal {
 namespace {
@@ -20,6 +21,9 @@ namespace numbers = simdjson::builtin::numberparsing;
 
 // Structural positions walked between reports: 256 KiB of them.
 constexpr std::size_t reportStep = std::size_t(1) << 16;
+
+// Positions the walk keeps between itself and those not yet found.
+constexpr std::size_t followMargin = jsonReaderMaxDepth + 128;
 
 // A number token this short cannot hold an integer beyond the tape's 48-bit payload, so its value
 // is known to take one word before it is parsed.
@@ -43,18 +47,24 @@ bool looksFractional(std::uint8_t const *p) {
 
 class Walk {
  public:
-  Walk(QuickWalkInput const &in, QuickWalkOutput &out) : m_in(in), m_out(out), m_tape(out.tape) {
+  Walk(QuickWalkInput const &in, QuickWalkOutput &out)
+      : m_in(in),
+        m_out(out),
+        m_tape(out.tape),
+        m_count(in.progress == nullptr ? in.structuralCount : 0),
+        m_limit(m_count),
+        m_final(in.progress == nullptr) {
     m_open.reset(new std::size_t[jsonReaderMaxDepth]);
   }
 
   bool run() {
-    std::size_t const count = m_in.structuralCount;
     bool const reporting = m_in.releaseWalked || m_in.walked != nullptr;
     std::size_t reportAt = reporting ? reportStep : std::numeric_limits<std::size_t>::max();
     std::size_t pos = 0;
     *m_tape++ = 0;  // the root's opening word, written last
   value:
-    if (pos >= count) return false;
+    if (pos >= m_limit && !m_final && !follow(pos)) return false;
+    if (pos >= m_count) return false;
     if (pos >= reportAt) {
       report(pos);
       reportAt += reportStep;
@@ -64,7 +74,7 @@ class Walk {
       case '{': {
         bool const array = m_in.text[m_in.structurals[pos]] == '[';
         if (!open(array ? JsonTape::array : JsonTape::object)) return false;
-        if (++pos < count && m_in.text[m_in.structurals[pos]] == (array ? ']' : '}')) {
+        if (++pos < m_count && m_in.text[m_in.structurals[pos]] == (array ? ']' : '}')) {
           ++pos;
           close();
           goto after;
@@ -98,7 +108,7 @@ class Walk {
         if (!number(pos)) return false;
         ++pos;
         // A run of numbers in an array, the bulk of a measurement document, past the general dispatch.
-        if (m_depth > 0 && inArray()) pos = numberRun(pos, std::min(count, reportAt));
+        if (m_depth > 0 && inArray()) pos = numberRun(pos, std::min(m_limit, reportAt));
         goto after;
       default:
         return false;
@@ -106,11 +116,11 @@ class Walk {
     ++pos;
   after:
     if (m_depth == 0) {
-      if (pos != count) return false;
+      if (pos != m_count) return false;
       finish();
       return true;
     }
-    if (pos >= count) return false;
+    if (pos >= m_count) return false;
     switch (m_in.text[m_in.structurals[pos++]]) {
       case ',':
         if (inArray()) goto value;
@@ -127,8 +137,8 @@ class Walk {
         return false;
     }
   key:
-    if (pos >= count || m_in.text[m_in.structurals[pos]] != '"' || !string(pos)) return false;
-    if (++pos >= count || m_in.text[m_in.structurals[pos]] != ':') return false;
+    if (pos >= m_count || m_in.text[m_in.structurals[pos]] != '"' || !string(pos)) return false;
+    if (++pos >= m_count || m_in.text[m_in.structurals[pos]] != ':') return false;
     ++pos;
     goto value;
   }
@@ -136,7 +146,29 @@ class Walk {
  private:
   // Where the token at `pos` ends at the latest: the next structural character, or the text's end.
   std::size_t tokenEnd(std::size_t pos) const {
-    return pos + 1 < m_in.structuralCount ? m_in.structurals[pos + 1] : m_in.length;
+    return pos + 1 < m_count ? m_in.structurals[pos + 1] : m_in.length;
+  }
+
+  // Waits until the positions are found well past `pos`, or all of them are; false when the search
+  // refused the text. Between two values the walk reads at most a closing character per level, a key,
+  // a colon and its look-ahead, all within followMargin.
+  bool follow(std::size_t pos) {
+    for (;;) {
+      StructuralProgress::State const state = m_in.progress->state.load(std::memory_order_acquire);
+      std::size_t const published = m_in.progress->published.load(std::memory_order_acquire);
+      if (state == StructuralProgress::refused) return false;
+      if (state == StructuralProgress::complete) {
+        m_count = m_limit = published;
+        m_final = true;
+        return true;
+      }
+      if (published >= pos + 2 * followMargin) {
+        m_count = published;
+        m_limit = published - followMargin;
+        return true;
+      }
+      std::this_thread::yield();
+    }
   }
   // The token at `pos` where a parse may read quickReadAhead bytes past it: in place, or a copy of
   // the rest of the text followed by a space (a root scalar needs something to end it) and zeros.
@@ -155,7 +187,7 @@ class Walk {
     std::uint8_t const *const text = m_in.text;
     std::uint32_t const *const at = m_in.structurals;
     std::size_t const capacity = m_in.capacity;
-    std::size_t const count = m_in.structuralCount;
+    std::size_t const count = m_count;
     std::uint64_t *tape = m_tape;
     while (pos + 2 < stop) {
       std::size_t const start = at[pos + 1];
@@ -250,6 +282,10 @@ class Walk {
   QuickWalkInput const &m_in;
   QuickWalkOutput &m_out;
   std::uint64_t *m_tape;
+  // Positions known, and the one before which the walk need not ask for more.
+  std::size_t m_count;
+  std::size_t m_limit;
+  bool m_final;
   std::unique_ptr<std::size_t[]> m_open;
   std::size_t m_depth = 0;
   std::string m_copy;

@@ -14,12 +14,21 @@ namespace Tarvex::VantraCore::Internal {
 // How far a string or number parse may read past the end of its token.
 inline constexpr std::size_t quickReadAhead = 128;
 
+// The structural positions of a text as another thread finds them: how many are published, and
+// whether those are all of them. `published` is stored before `state`.
+struct StructuralProgress {
+  enum State { searching, complete, refused };
+  std::atomic<std::size_t> published{0};
+  std::atomic<State> state{searching};
+};
+
 struct QuickWalkInput {
   std::uint8_t const *text;
   std::size_t length;
   // Bytes readable from `text`; a token ending within quickReadAhead of it is parsed from a copy.
   std::size_t capacity;
   std::uint32_t const *structurals;
+  // All the positions, unless `progress` tells how many are found so far.
   std::size_t structuralCount;
   // Unescapes the string after an opening quote into `to`, returning its end, or nullptr.
   std::uint8_t *(*unescape)(void const *parser, std::uint8_t const *from, std::uint8_t *to);
@@ -29,6 +38,7 @@ struct QuickWalkInput {
   // When not null, the length of tape whose numbers may be parsed, raised as the walk goes on. A
   // container's word may still change behind it, atomically; no other word does.
   std::atomic<std::size_t> *walked;
+  StructuralProgress const *progress;
 };
 
 struct QuickWalkOutput {
@@ -40,7 +50,8 @@ struct QuickWalkOutput {
   std::size_t stringsLength = 0;
 };
 
-inline std::size_t quickTapeRoom(std::size_t structuralCount) { return 2 * structuralCount + 4; }
+// Each structural character writes at most one word, and the root one more.
+inline std::size_t quickTapeRoom(std::size_t structuralCount) { return structuralCount + 4; }
 inline std::size_t quickStringRoom(std::size_t length, std::size_t structuralCount) {
   return length + 5 * structuralCount + 2 * quickReadAhead;
 }

@@ -185,6 +185,34 @@ TEST(JsonParseRoutes, ManyNumbersOfEveryWidthAgree) {
   EXPECT_EQ(cursor.integer(cursor.root() + 5), 140737488355328);
 }
 
+// A text of several megabytes is searched a slice at a time while the walk follows. Slices that end
+// on a comma inside a string, closings 998 deep across a slice's end, and faults in the last slice
+// must all come out as a single search would have them.
+TEST(JsonParseRoutes, TextsSearchedInSlicesAgree) {
+  std::string commas = "[";
+  while (commas.size() < (std::size_t(5) << 20))
+    commas += "\"" + std::string(3000, ',') + "\",1.5,";
+  commas += "0]";
+  std::string deep = "[";
+  std::string const group = std::string(998, '[') + "-2.25" + std::string(998, ']') + ",";
+  while (deep.size() < (std::size_t(5) << 20))
+    deep += group;
+  deep += "0]";
+  for (std::string const &text : {commas, deep}) {
+    JsonDocument quick, library;
+    ASSERT_TRUE(quickTakes(text, quick));
+    ASSERT_TRUE(libraryTakes(text, library));
+    EXPECT_TRUE(sameJsonDocument(quick, library));
+  }
+  std::string const valid = commas;
+  for (std::string const &text : {valid + " x", valid.substr(0, valid.size() - 1), valid + "\"", 
+                                  valid.substr(0, valid.size() - 2) + "\"\xff\"]"}) {
+    JsonDocument document;
+    EXPECT_FALSE(quickTakes(text, document));
+    EXPECT_FALSE(libraryTakes(text, document));
+  }
+}
+
 // The quick parse reads a text in place even with not one byte readable behind it: a token near the
 // end is parsed from a copy (the sanitizer builds catch a read past the block).
 TEST(JsonParseRoutes, TextsWithNoRoomBehindThem) {
