@@ -20,7 +20,8 @@ class DomainError(ArithmeticError):
 
 def load(source: Union[Path, IO[bytes]], fidelity: Fidelity = "full", arrays: Arrays = "variants",
          max_elements: Optional[int] = None) -> Any:
-    """Read one JSON document from a path or a binary file.
+    """Read one JSON document from a path or a binary file. A regular file is mapped rather than copied;
+    it must not be cut short by another process while it is read.
 
     max_elements: the most elements the document's arrays may declare beyond the items they carry (filled
     with zeros); more raises vantracore.Error naming the shape. None: the larger of 16M and sixteen times the

@@ -180,7 +180,8 @@ None: the larger of 16M and sixteen times the elements that a text of its length
 Maps become dicts in document order, lists lists, scalars Python scalars, and array values NumPy
 arrays that share the library's memory (read-only; C order for row-major data, Fortran order for
 column-major). The GIL is released while the text is read and parsed. A malformed document raises
-(ValueError for a syntax error) and returns nothing.)");
+(ValueError for a syntax error) and returns nothing. A regular file is mapped rather than copied: like
+any mapping of it, it must not be cut short by another process while it is read.)");
   module.def("loads", &loads, "text"_a, "fidelity"_a = "full", "arrays"_a = "variants",
              "max_elements"_a = py::none(),
              "Read one JSON document from str or bytes; otherwise as load.");
