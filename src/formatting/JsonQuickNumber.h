@@ -2,6 +2,8 @@
 
 #include <formatting/JsonDocument.h>
 
+#include <simdjson.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -10,10 +12,10 @@
 #endif
 
 // The common shape of a measurement's number, read without the general number parser: -?d.ddd with
-// at most 7 digits before the point, 1 to 16 after it, at most 19 in all and no exponent. SSE2 finds
-// the digits of 32 bytes at once and sums the fraction's sixteen digit lanes in three steps, so no
-// step depends on a digit count; the value then takes one exact division: both operands are exact
-// doubles, so the quotient is correctly rounded. Anything else is left to the general parser.
+// at most 7 digits before the point, at most 19 in all and no exponent. SSE2 finds the digits of 32
+// bytes at once and sums sixteen digit lanes in three steps, so no step depends on a digit count. Up
+// to 2^53 the value then takes one exact division: both operands are exact doubles, so the quotient
+// is correctly rounded. Anything else is left to the general parser.
 namespace Tarvex::VantraCore::Internal {
 
 // White space or punctuation: what may follow a number or literal.
@@ -54,9 +56,11 @@ inline constexpr std::uint64_t scales[] = {1,
                                            10000000000000,
                                            100000000000000,
                                            1000000000000000,
-                                           10000000000000000};
-inline constexpr double powersOfTen[] = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
-                                         1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+                                           10000000000000000,
+                                           100000000000000000,
+                                           1000000000000000000};
+inline constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                         1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
 // Sixteen bytes loaded from &lastLanes[n] keep the last n lanes of a register.
 alignas(16) inline constexpr std::uint8_t lastLanes[32] = {0,    0,    0,    0,    0,    0,    0,    0,
                                                           0,    0,    0,    0,    0,    0,    0,    0,
@@ -70,6 +74,11 @@ inline unsigned digitBits(std::uint8_t const *p, __m128i &values) {
   values = _mm_sub_epi8(load16(p), _mm_set1_epi8('0'));
   __m128i const isDigit = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
   return static_cast<unsigned>(_mm_movemask_epi8(isDigit));
+}
+
+// The values of the `count` (0 to 16) digits that end at `end`, in the last lanes, the rest zero.
+inline __m128i lastDigits(std::uint8_t const *end, unsigned count) {
+  return _mm_and_si128(_mm_sub_epi8(load16(end - 16), _mm_set1_epi8('0')), load16(lastLanes + count));
 }
 
 // The number that sixteen digit values make, the first the most significant.
@@ -103,17 +112,25 @@ inline bool quickNumberWord(std::uint8_t const *p, std::uint64_t &word) {
   if (whole == 0 || whole > 7 || p[whole] != '.' || (whole > 1 && *p == '0')) return false;
   unsigned const fraction = static_cast<unsigned>(__builtin_ctz(~digits >> (whole + 1) | 0x80000000u));
   unsigned const end = whole + 1 + fraction;
-  if (fraction == 0 || fraction > 16 || whole + fraction > 19 || !endsScalar(p[end])) return false;
-  __m128i const fractionDigits =
-      _mm_and_si128(_mm_sub_epi8(load16(p + end - 16), _mm_set1_epi8('0')), load16(lastLanes + fraction));
-  // The whole digits, the last in lane 15.
-  __m128i const wholeDigits = _mm_and_si128(_mm_sub_epi8(load16(p + whole - 16), _mm_set1_epi8('0')),
-                                            load16(lastLanes + whole));
-  std::uint64_t const wholeValue = whole == 1 ? std::uint64_t(*p - '0') : valueOfSixteen(wholeDigits);
-  std::uint64_t const mantissa = wholeValue * scales[fraction] + valueOfSixteen(fractionDigits);
-  // Past 2^53 the mantissa may not be exact as a double.
-  if (mantissa > (std::uint64_t(1) << 53)) return false;
-  word = JsonTape::doubleWord(static_cast<double>(mantissa) / powersOfTen[fraction]) | negative << 63;
+  // At most 19 digits: the mantissa cannot wrap.
+  if (fraction == 0 || whole + fraction > 19 || !endsScalar(p[end])) return false;
+  std::uint64_t fractionValue = valueOfSixteen(lastDigits(p + end, fraction < 16 ? fraction : 16));
+  // The shortest text of a double may take 17 significant digits, and 18 after "0.0".
+  if (fraction > 16) fractionValue += valueOfSixteen(lastDigits(p + end - 16, fraction - 16)) * scales[16];
+  std::uint64_t const wholeValue = whole == 1 ? std::uint64_t(*p - '0') : valueOfSixteen(lastDigits(p + whole, whole));
+  std::uint64_t const mantissa = wholeValue * scales[fraction] + fractionValue;
+  if (mantissa <= (std::uint64_t(1) << 53)) {
+    word = JsonTape::doubleWord(static_cast<double>(mantissa) / powersOfTen[fraction]) | negative << 63;
+    return true;
+  }
+  // Beyond 2^53 the division would round twice; the 128-bit product of the general parser is exact,
+  // and says when it cannot decide.
+  double value;
+  if (!simdjson::builtin::numberparsing::compute_float_64(-static_cast<std::int64_t>(fraction), mantissa, negative != 0,
+                                                          value)) {
+    return false;
+  }
+  word = JsonTape::doubleWord(value);
   return true;
 }
 #else
