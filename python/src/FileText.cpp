@@ -40,8 +40,9 @@ FileText::~FileText() {
 }
 
 Tarvex::VantraCore::VxStringView FileText::view() const {
-  if (m_mapped != nullptr) return Tarvex::VantraCore::VxStringView(static_cast<char const *>(m_mapped), m_size);
-  return Tarvex::VantraCore::VxStringView(m_read.data(), m_read.size());
+  using Tarvex::VantraCore::VxStringView;
+  if (m_mapped != nullptr) return VxStringView(static_cast<char const *>(m_mapped), m_size);
+  return VxStringView(m_read.data(), m_read.size());
 }
 
 void FileText::readAll(int descriptor) {

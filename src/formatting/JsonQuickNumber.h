@@ -69,9 +69,9 @@ alignas(16) inline constexpr std::uint8_t lastLanes[32] = {0,    0,    0,    0, 
 
 inline __m128i load16(std::uint8_t const *p) { return _mm_loadu_si128(reinterpret_cast<__m128i const *>(p)); }
 
-// Which of the 16 bytes at p are digits, a bit each, and their values less '0'.
-inline unsigned digitBits(std::uint8_t const *p, __m128i &values) {
-  values = _mm_sub_epi8(load16(p), _mm_set1_epi8('0'));
+// Which of the 16 bytes at p are digits, a bit each.
+inline unsigned digitBits(std::uint8_t const *p) {
+  __m128i const values = _mm_sub_epi8(load16(p), _mm_set1_epi8('0'));
   __m128i const isDigit = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
   return static_cast<unsigned>(_mm_movemask_epi8(isDigit));
 }
@@ -105,8 +105,7 @@ inline bool quickNumberWord(std::uint8_t const *p, std::uint64_t &word) {
   using namespace quickNumber;
   std::uint64_t const negative = *p == '-';
   p += negative;
-  __m128i front, back;
-  unsigned const digits = digitBits(p, front) | digitBits(p + 16, back) << 16;
+  unsigned const digits = digitBits(p) | digitBits(p + 16) << 16;
   unsigned const whole = static_cast<unsigned>(__builtin_ctz(~digits | 0x80000000u));
   // No digits, too many, or a leading zero before more (the general parser words the refusal).
   if (whole == 0 || whole > 7 || p[whole] != '.' || (whole > 1 && *p == '0')) return false;
@@ -117,7 +116,8 @@ inline bool quickNumberWord(std::uint8_t const *p, std::uint64_t &word) {
   std::uint64_t fractionValue = valueOfSixteen(lastDigits(p + end, fraction < 16 ? fraction : 16));
   // The shortest text of a double may take 17 significant digits, and 18 after "0.0".
   if (fraction > 16) fractionValue += valueOfSixteen(lastDigits(p + end - 16, fraction - 16)) * scales[16];
-  std::uint64_t const wholeValue = whole == 1 ? std::uint64_t(*p - '0') : valueOfSixteen(lastDigits(p + whole, whole));
+  std::uint64_t const wholeValue =
+      whole == 1 ? std::uint64_t(*p - '0') : valueOfSixteen(lastDigits(p + whole, whole));
   std::uint64_t const mantissa = wholeValue * scales[fraction] + fractionValue;
   if (mantissa <= (std::uint64_t(1) << 53)) {
     word = JsonTape::doubleWord(static_cast<double>(mantissa) / powersOfTen[fraction]) | negative << 63;
@@ -126,10 +126,8 @@ inline bool quickNumberWord(std::uint8_t const *p, std::uint64_t &word) {
   // Beyond 2^53 the division would round twice; the 128-bit product of the general parser is exact,
   // and says when it cannot decide.
   double value;
-  if (!simdjson::builtin::numberparsing::compute_float_64(-static_cast<std::int64_t>(fraction), mantissa, negative != 0,
-                                                          value)) {
-    return false;
-  }
+  auto const power = -static_cast<std::int64_t>(fraction);
+  if (!simdjson::builtin::numberparsing::compute_float_64(power, mantissa, negative != 0, value)) return false;
   word = JsonTape::doubleWord(value);
   return true;
 }

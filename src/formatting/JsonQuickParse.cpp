@@ -132,11 +132,13 @@ void searchInSlices(dom::parser &parser, std::uint8_t const *bytes, std::size_t 
   while (from < size) {
     std::size_t end = size;
     if (sliced && size - from > searchSlice) {
-      void const *const comma = std::memchr(bytes + from + searchSlice, ',', size - from - searchSlice);
-      if (comma != nullptr) end = static_cast<std::size_t>(static_cast<std::uint8_t const *>(comma) - bytes) + 1;
+      std::size_t const least = from + searchSlice;
+      auto const *const comma = static_cast<std::uint8_t const *>(std::memchr(bytes + least, ',', size - least));
+      if (comma != nullptr) end = static_cast<std::size_t>(comma - bytes) + 1;
     }
     searcher.structural_indexes.reset(all + found);
-    simdjson::error_code const result = searcher.stage1(bytes + from, end - from, simdjson::stage1_mode::regular);
+    simdjson::error_code const result =
+        searcher.stage1(bytes + from, end - from, simdjson::stage1_mode::regular);
     (void)searcher.structural_indexes.release();
     if (result == simdjson::UNCLOSED_STRING && end < size) {
       sliced = false;
@@ -168,7 +170,8 @@ std::uint8_t *unescape(void const *parser, std::uint8_t const *from, std::uint8_
 class NumberParsers {
  public:
   // The first helper runs `first` before it parses numbers.
-  NumberParsers(std::uint8_t const *text, std::uint64_t *tape, unsigned helpers, std::function<void()> const &first)
+  NumberParsers(std::uint8_t const *text, std::uint64_t *tape, unsigned helpers,
+                std::function<void()> const &first)
       : m_text(text), m_tape(tape) {
     try {
       for (unsigned k = 0; k < helpers; ++k) {

@@ -69,7 +69,8 @@ TEST(JsonParseRoutes, AgreeOnEveryTextTheGrammarAllows) {
 // the start that the digits cannot be loaded from before them.
 RC_GTEST_PROP(JsonParseRoutes, AgreeOnNumbersOfEveryShape, ()) {
   auto const digits = [](int most) {
-    return *rc::gen::container<std::string>(*rc::gen::inRange(0, most + 1), rc::gen::inRange('0', char('9' + 1)));
+    auto const digit = rc::gen::inRange('0', char('9' + 1));
+    return *rc::gen::container<std::string>(*rc::gen::inRange(0, most + 1), digit);
   };
   std::string number = *rc::gen::element<std::string>("", "-") + digits(9);
   if (*rc::gen::arbitrary<bool>()) number += "." + digits(20);
