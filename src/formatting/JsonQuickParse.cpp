@@ -102,19 +102,15 @@ void adviseHugePages(void const *start, std::size_t bytes) {
 }
 
 // A parser whose search takes a text of `size` bytes; false when there is none that large.
-bool readyFor(dom::parser &parser, std::size_t size, bool large) {
-  if ((!parser.implementation || parser.capacity() < size) &&
-      parser.allocate(size, jsonReaderMaxDepth) != simdjson::SUCCESS) {
-    return false;
-  }
-  if (large) adviseHugePages(parser.implementation->structural_indexes.get(), size * sizeof(std::uint32_t));
-  return true;
+bool readyFor(dom::parser &parser, std::size_t size) {
+  return (parser.implementation && parser.capacity() >= size) ||
+         parser.allocate(size, jsonReaderMaxDepth) == simdjson::SUCCESS;
 }
 
-// Finds the structural characters; false for a text that is not UTF-8, holds an unclosed string or a
-// control character in one.
-bool search(dom::parser &parser, std::uint8_t const *bytes, std::size_t size) {
-  return parser.implementation->stage1(bytes, size, simdjson::stage1_mode::regular) == simdjson::SUCCESS;
+// Finds the structural characters of bytes [0, size) into the parser's position list; an error for a
+// text that is not UTF-8, or holds an unclosed string or a control character in one.
+simdjson::error_code search(dom::parser &parser, std::uint8_t const *bytes, std::size_t size) {
+  return parser.implementation->stage1(bytes, size, simdjson::stage1_mode::regular);
 }
 
 // Finds the structural positions of a text into `all` a slice at a time, publishing each slice's.
@@ -137,8 +133,7 @@ void searchInSlices(dom::parser &parser, std::uint8_t const *bytes, std::size_t 
       if (comma != nullptr) end = static_cast<std::size_t>(comma - bytes) + 1;
     }
     searcher.structural_indexes.reset(all + found);
-    simdjson::error_code const result =
-        searcher.stage1(bytes + from, end - from, simdjson::stage1_mode::regular);
+    simdjson::error_code const result = search(parser, bytes + from, end - from);
     (void)searcher.structural_indexes.release();
     if (result == simdjson::UNCLOSED_STRING && end < size) {
       sliced = false;
@@ -239,7 +234,7 @@ bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonD
   std::shared_ptr<ParseBuffers> const buffers = buffersFor(text.size());
   bool const large = text.size() > reusedCapacity;
   dom::parser &parser = *buffers->parser;
-  if (!readyFor(parser, text.size(), large)) return false;
+  if (!readyFor(parser, text.size())) return false;
   auto const *const bytes = reinterpret_cast<std::uint8_t const *>(text.data());
   unsigned const cores = std::max(1u, std::thread::hardware_concurrency());
   unsigned const helpers = large ? std::min(maxNumberHelpers, cores - 1) : 0;
@@ -253,8 +248,9 @@ bool parseJsonDocumentQuickly(std::string_view text, std::size_t capacity, JsonD
     positions = buffers->positions.atLeast(text.size() + searchSlack);
     adviseHugePages(positions, text.size() * sizeof(std::uint32_t));
   } else {
-    if (!search(parser, bytes, text.size())) return false;
     positions = parser.implementation->structural_indexes.get();
+    if (large) adviseHugePages(positions, text.size() * sizeof(std::uint32_t));
+    if (search(parser, bytes, text.size()) != simdjson::SUCCESS) return false;
     count = parser.implementation->n_structural_indexes;
   }
   QuickWalkOutput out;
